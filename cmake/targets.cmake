@@ -1,0 +1,48 @@
+# Interface targets that every library and program of the house links, and the two functions that
+# make a library of a folder and a test program of its tests.
+
+add_library(txs_options INTERFACE)
+target_compile_options(
+  txs_options
+  INTERFACE -Wall
+            -Wextra
+            -Wpedantic
+            -Wconversion
+            -Wshadow
+            -Wnon-virtual-dtor
+            -Woverloaded-virtual
+            -Wold-style-cast)
+if(TXS_WARNINGS_AS_ERRORS)
+  target_compile_options(txs_options INTERFACE -Werror)
+endif()
+if(TXS_SANITIZE)
+  target_compile_options(txs_options INTERFACE -fsanitize=address,undefined
+                                               -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(txs_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+# txs_add_library(<folder> SOURCES ... DEPENDS ...) makes the static library txs_<folder>. Its
+# headers are included as "<folder>/<subject>.h", and each is compiled alone once (target
+# all_verify_interface_header_sets), so that none leans on what its includer happened to include.
+function(txs_add_library folder)
+  cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;DEPENDS" ${ARGN})
+  set(target txs_${folder})
+  add_library(${target} STATIC ${ARG_SOURCES})
+  target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/src FILES
+                                  ${ARG_HEADERS})
+  set_target_properties(${target} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
+  target_link_libraries(${target} PUBLIC ${ARG_DEPENDS} PRIVATE txs_options)
+endfunction()
+
+# txs_add_test(<name> SOURCES ... DEPENDS ... [LABELS ...]) makes one GoogleTest program and registers
+# it with CTest as a single test: starting a process per case would cost more than the cases.
+function(txs_add_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;LABELS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} txs_options GTest::gmock GTest::gtest_main)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  add_test(NAME ${name} COMMAND ${name})
+  if(ARG_LABELS)
+    set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABELS}")
+  endif()
+endfunction()

@@ -1,0 +1,27 @@
+// SETUP.STP, the script that the setup engine runs on the target computer. See
+// docs/formats/setup-control-file.md.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "create/create_state.h"
+#include "create/create_view.h"
+#include "document/application.h"
+
+namespace txs {
+
+// The whole script as text: UTF-8, lines ended by CR LF. Reads date and version of every listed
+// file; throws RuntimeError when one no longer exists or cannot be read.
+[[nodiscard]] std::string SetupControlText(Application& application);
+
+// Stage 409: writes the script over its placeholder in the first disk directory. False after message
+// 904, or when Cancel was pressed before the file was opened. A partly written file is left.
+[[nodiscard]] bool WriteSetupControlFile(Application& application, CreateView& view,
+                                         const CreateState& state);
+
+// The complete extra to-do entries of the MDAC installer and of its minimal replacement.
+[[nodiscard]] std::string FullMdacEntry();
+[[nodiscard]] std::string MinimalMdacEntry();
+
+}  // namespace txs

@@ -1,0 +1,36 @@
+// The setup document: what the wizard edits, the settings file stores, Scan fills and Create builds.
+// One per process, kept in Application.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "document/file_list.h"
+#include "document/path_variables.h"
+#include "document/step_settings.h"
+
+namespace txs {
+
+struct SetupDocument {
+  StepSettings steps;
+  FileList files;
+  FileList hidden_files;  // read from the settings file, packaged, never shown, never written back
+  std::vector<std::string> ini_files;
+  std::vector<std::string> hidden_ini_files;
+  SystemFileNames system_files;
+  // Complete setup-script entries, several commands joined by "@"; no duplicates without regard to
+  // case. They live as long as the process: the settings file has no place for them.
+  std::vector<std::string> extra_todo_lines;
+  // File name of the project's built program. Create refuses to run while it is empty.
+  std::string program_name;
+  PathVariableList path_variables;
+  std::string configurator_value;  // what ProjectConfigurator answered for the project
+  bool changed = false;            // since the settings were read, saved or cleared
+
+  // The rows that Create works on: the visible ones, then the hidden ones. Valid until a list
+  // changes.
+  [[nodiscard]] std::vector<FileRow*> AllRows();
+};
+
+}  // namespace txs

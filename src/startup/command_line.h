@@ -1,0 +1,31 @@
+// The wizard's command line: empty, [ProjectPath\]ProjectName[.txs|.swz], or /c= and the same.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace txs {
+
+struct CommandLine {
+  enum class Kind {
+    kEmpty,       // choose a project in the Open-Project dialog
+    kProject,     // open this project
+    kUnattended,  // build this project without a form
+    kRefused,     // message 913
+  };
+  Kind kind = Kind::kEmpty;
+  std::string project_name;       // base name of the argument
+  std::string project_directory;  // its parent folder; empty when it has none
+  std::string project_file;       // directory + "\" + name + ".txs", or the bare name
+};
+
+// Parses the text behind the program's name. Never fails.
+[[nodiscard]] CommandLine ParseCommandLine(std::string_view text);
+
+// The command line of Windows is one text; here the arguments are joined by blanks.
+[[nodiscard]] std::string JoinArguments(int argc, const char* const* argv);
+
+// `StripQuotes`: a leading double quote is removed, and only then a trailing one.
+[[nodiscard]] std::string StripQuotes(std::string_view text);
+
+}  // namespace txs

@@ -1,0 +1,34 @@
+// `ShowMessage` and the log: where the messages of the work routines go.
+#pragma once
+
+#include <string>
+
+#include "document/application.h"
+#include "environment/platform.h"
+#include "text/message_service.h"
+
+namespace txs {
+
+// Shows a message in the platform's message box, or, in unattended mode, appends it to the log file:
+// the project directory exactly as stored, immediately followed by "TXSetupWizard.log". No separator
+// is inserted, kept on purpose: a directory stored without trailing backslash puts the log beside the
+// project directory under a joined name. An entry is three lines ended by CR LF: local date and time,
+// the prompt, an empty line. The file is opened and closed for every message.
+//
+// A log that cannot be written loses no message: the entry goes to standard error with the reason.
+class RoutedMessages : public MessageService {
+ public:
+  explicit RoutedMessages(Platform& platform) : platform_(platform) {}
+
+  // From here on messages go to the log of this project directory.
+  void GoUnattended(std::string project_directory);
+
+  MessageResult ShowMessage(const Message& message) override;
+
+ private:
+  Platform& platform_;
+  bool unattended_ = false;
+  std::string project_directory_;
+};
+
+}  // namespace txs
