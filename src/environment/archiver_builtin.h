@@ -3,6 +3,7 @@
 // the size of the file.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 
 #include "environment/archiver.h"
@@ -11,7 +12,18 @@
 
 namespace txs {
 
-// `files` and `clock` (for the entry's local time) must outlive the archiver.
-[[nodiscard]] std::unique_ptr<Archiver> MakeBuiltInArchiver(FileSystem& files, const Clock& clock);
+// Where the archiver changes its ways. The defaults are what is shipped; tests set lower limits so
+// that they need no files of gigabytes.
+struct ArchiverLimits {
+  // Files up to this length are read whole and compressed by libdeflate, longer ones are streamed.
+  std::uint64_t whole_file_bytes = std::uint64_t{64} << 20;
+  // An archive that holds a size or an offset from here on is in the ZIP64 format.
+  std::uint64_t zip64_bytes = 0xFFFFFFFF;
+};
+
+// `files` and `clock` (for the entry's local time) must outlive the archiver. The last write time
+// lies in what a ZIP entry can hold: 1980 to 2107, even seconds; others become the nearest.
+[[nodiscard]] std::unique_ptr<Archiver> MakeBuiltInArchiver(FileSystem& files, const Clock& clock,
+                                                            const ArchiverLimits& limits = {});
 
 }  // namespace txs

@@ -1,0 +1,58 @@
+#include "environment/profile_files.h"
+
+#include <utility>
+
+#include "environment/code_page.h"
+#include "environment/runtime_error.h"
+#include "environment/windows_path.h"
+
+namespace txs {
+namespace {
+
+// One key for every spelling of a path.
+std::string KeyOf(std::string_view path) { return FoldCase(NormalizeDirectory(path)); }
+
+bool MeansMissing(ErrorNumber number) {
+  return number == ErrorNumber::kFileNotFound || number == ErrorNumber::kPathNotFound ||
+         number == ErrorNumber::kBadFileName;
+}
+
+}  // namespace
+
+const ProfileDocument& ProfileFiles::Open(std::string_view path) {
+  std::unique_ptr<Kept>& kept = kept_[KeyOf(path)];
+  if (kept == nullptr) kept = std::make_unique<Kept>();
+
+  // The stamp is taken before the bytes: a change between the two is then seen at the next call.
+  const std::optional<FileStamp> stamp = files_.Stamp(path);
+  if (stamp && kept->exists && kept->stamp == *stamp) return kept->document;
+  Kept read;
+  try {
+    // A path without a stamp is read too: what exists and cannot be read must throw.
+    read.document = ProfileDocument(files_.ReadWhole(path));
+    read.exists = stamp.has_value();
+    read.stamp = stamp.value_or(FileStamp());
+  } catch (const RuntimeError& error) {
+    if (!MeansMissing(error.Number())) throw;
+  }
+  *kept = std::move(read);
+  return kept->document;
+}
+
+void ProfileFiles::Change(std::string_view path,
+                          const std::function<void(ProfileDocument&)>& edit) {
+  const ProfileDocument& before = Open(path);
+  ProfileDocument after = before;
+  edit(after);
+  const std::string bytes = after.Bytes();
+  if (bytes == before.Bytes()) return;
+  files_.ReplaceWhole(path, bytes);
+
+  Kept& kept = *kept_[KeyOf(path)];
+  const std::optional<FileStamp> stamp = files_.Stamp(path);
+  kept.document = std::move(after);
+  kept.exists = stamp.has_value();
+  kept.stamp = stamp.value_or(FileStamp());
+}
+
+}  // namespace txs
