@@ -1,0 +1,119 @@
+#!/bin/sh
+# ./run.sh [COMMAND]
+#
+# Shows the program at work on the sample studio (samples/README.md), in a scratch copy under build/.
+# Installs what is missing and builds first.
+#   ./run.sh              builds the installation of 'Mischanlage Süd' unattended and looks at it
+#   ./run.sh projects     the registered projects
+#   ./run.sh tool ARGS    TXSetupTool on the scratch copy, for example
+#                         ./run.sh tool plan 'Leitstand Client'
+#   ./run.sh wizard ARGS  TXSetupWizard on the scratch copy, for example
+#                         ./run.sh wizard '/c=Kläranlage Server'
+#   ./run.sh --help       this text
+set -eu
+cd "$(dirname "$0")"
+
+project='Mischanlage Süd'
+build=build/core
+studio=$PWD/build/run-studio
+
+command=${1:-show}
+case $command in
+  show | projects | tool | wizard) ;;
+  -h | --help | help)
+    sed -n '2,/^set/{/^set/d;s/^# \{0,1\}//;p}' "$0"
+    exit 0
+    ;;
+  *)
+    echo "$0: unknown command '$command'; see $0 --help" >&2
+    exit 2
+    ;;
+esac
+[ $# -eq 0 ] || shift
+
+# Building says little and goes to standard error, so that the output of a command stays its own.
+tools/install_packages.sh build
+mkdir -p build
+{
+  cmake --preset core > build/run.log 2>&1 &&
+    cmake --build --preset core --target TXSetupWizard TXSetupTool make_sample_binaries \
+      >> build/run.log 2>&1
+} || {
+  cat build/run.log >&2
+  echo "$0: the build failed" >&2
+  exit 1
+}
+
+program() {
+  find "$build" -type f -name "$1" -perm -u+x | head -n 1
+}
+wizard=$(program TXSetupWizard)
+tool=$(program TXSetupTool)
+generator=$(program make_sample_binaries)
+
+if [ "$command" = show ] || [ ! -e "$studio/registry.reg" ]; then
+  samples/prepare.sh "$generator" "$studio"
+fi
+export TAVIX_ROOT="$studio"
+
+# Folders and files below $1 with their sizes, indented by depth.
+show_tree() {
+  (
+    cd "$1"
+    find . -mindepth 1 -printf '%P\t%y\t%s\n' | LC_ALL=C sort | awk -F '\t' '
+      {
+        depth = split($1, parts, "/")
+        size = $2 == "d" ? "" : $3
+        printf "%10s  %*s%s%s\n", size, 2 * (depth - 1), "", parts[depth], $2 == "d" ? "/" : ""
+      }'
+  )
+}
+
+case $command in
+  projects) exec "$tool" projects ;;
+  tool) exec "$tool" "$@" ;;
+  wizard) exec "$wizard" "$@" ;;
+esac
+
+windows_directory="C:\\Projekte\\$project"
+directory="$studio/drive_c/Projekte/$project"
+
+echo "TXSetupWizard '/c=$windows_directory\\$project.txs'"
+exit_code=0
+"$wizard" "/c=$windows_directory\\$project.txs" || exit_code=$?
+# Registered with a trailing backslash the log is in the project directory, else beside it.
+for log in "$directory/TXSetupWizard.log" "${directory}TXSetupWizard.log"; do
+  if [ -e "$log" ]; then
+    echo
+    echo "Log: $log"
+    iconv -f WINDOWS-1252 -t UTF-8 "$log"
+  fi
+done
+if [ "$exit_code" -ne 0 ]; then
+  echo "TXSetupWizard ended with exit code $exit_code" >&2
+  exit "$exit_code"
+fi
+
+echo
+echo "The installation, $directory/Setup:"
+show_tree "$directory/Setup"
+
+echo
+echo "SETUP.STP begins with:"
+iconv -f WINDOWS-1252 -t UTF-8 "$directory/Setup/DISK1/SETUP.STP" | tr -d '\r' | head -n 32 |
+  sed 's/^/  /'
+
+echo
+echo "TXSetupTool verify '$windows_directory\\Setup'"
+"$tool" verify "$windows_directory\\Setup"
+
+cat << NEXT
+
+Next:
+  ./run.sh projects                         the other projects of the sample studio
+  ./run.sh tool plan 'Kläranlage Server'    which file would go on which disk
+  ./run.sh wizard '/c=Leitstand Client'     another unattended run
+  ./test.sh                                 build everything and run the tests
+On your own studio: export TAVIX_ROOT=DIRECTORY (see docs/formats/registry-file.md), then
+  $wizard '/c=C:\\Projects\\Demo\\Demo.txs'
+NEXT

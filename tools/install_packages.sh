@@ -1,0 +1,68 @@
+#!/bin/sh
+# tools/install_packages.sh GROUP...
+#
+# Installs the Debian packages of the named groups as far as they are missing. The one list of what
+# this project needs; run.sh, test.sh and CI all come here. Does nothing, and asks for no rights,
+# when everything is there.
+set -eu
+
+# What it takes to build the programs without windows, and to run them.
+build_packages='g++ cmake ninja-build ccache zlib1g-dev libdeflate-dev nlohmann-json3-dev libcli11-dev'
+# The windows.
+ui_packages='libwxgtk3.2-dev'
+# The tests, the checks of the sources, and the programs that tests compare results with.
+test_packages='libgtest-dev libgmock-dev clang-format git python3 unzip'
+
+usage() {
+  echo "usage: $0 build|ui|test ..." >&2
+  exit 2
+}
+
+[ $# -gt 0 ] || usage
+wanted=
+for group in "$@"; do
+  case $group in
+    build) wanted="$wanted $build_packages" ;;
+    ui) wanted="$wanted $ui_packages" ;;
+    test) wanted="$wanted $test_packages" ;;
+    *) usage ;;
+  esac
+done
+
+is_installed() {
+  [ "$(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+missing=
+for package in $wanted; do
+  is_installed "$package" || missing="$missing $package"
+done
+[ -n "$missing" ] || exit 0
+
+if [ "$(id -u)" -eq 0 ]; then
+  as_root=
+elif command -v sudo > /dev/null; then
+  as_root=sudo
+else
+  echo "These Debian packages are missing, and installing them takes root or sudo:" >&2
+  echo " $missing" >&2
+  echo "Ask an administrator for:  apt-get install$missing" >&2
+  exit 1
+fi
+
+echo "Installing:$missing" >&2
+# The words of apt-get go to standard error, so that the output of the caller stays its own.
+run_apt() {
+  $as_root env DEBIAN_FRONTEND=noninteractive apt-get "$@" >&2
+}
+# shellcheck disable=SC2086 # one word per package
+if ! { run_apt -q update && run_apt -q -y --no-install-recommends install $missing; }; then
+  echo "Could not install:$missing" >&2
+  exit 1
+fi
+for package in $missing; do
+  if ! is_installed "$package"; then
+    echo "apt-get reported success, but '$package' is still missing" >&2
+    exit 1
+  fi
+done
