@@ -232,6 +232,16 @@ std::string Utf8ToAnsi(std::string_view utf8) {
   return bytes;
 }
 
+bool IsUtf8(std::string_view bytes) {
+  std::size_t at = AsciiPrefix(bytes);
+  while (at < bytes.size()) {
+    const std::size_t length = DecodeUtf8(bytes, at).length;
+    if (length == 0) return false;
+    at += length;
+  }
+  return true;
+}
+
 std::string FoldCase(std::string_view utf8) {
   std::string folded(utf8);
   for (std::size_t at = 0; at < folded.size(); ++at) {

@@ -7,6 +7,7 @@
 // writing it back changes no byte that was not meant.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -19,6 +20,9 @@ namespace txs {
 // that the code page lacks ("U+010C 'Č' in \"Čapek.dll\""), also for malformed UTF-8; never writes
 // a replacement character.
 [[nodiscard]] std::string Utf8ToAnsi(std::string_view utf8);
+
+// Well-formed UTF-8 throughout: no stray or overlong bytes, no surrogates. ASCII and "" are.
+[[nodiscard]] bool IsUtf8(std::string_view bytes);
 
 // Lower case by simple one-to-one folding of the letters that any single-byte ANSI code page holds
 // (Latin, Greek, Cyrillic; "Ä" and "ä", "Š" and "š"), so that two names are the same for this

@@ -50,29 +50,6 @@ std::size_t ContentLength(std::string_view line) {
   return line.size();
 }
 
-bool IsUtf8(std::string_view bytes) {
-  std::size_t at = 0;
-  while (at < bytes.size()) {
-    const auto lead = static_cast<unsigned char>(bytes[at]);
-    std::size_t length = 1;
-    if (lead >= 0xC2 && lead <= 0xDF) {
-      length = 2;
-    } else if (lead >= 0xE0 && lead <= 0xEF) {
-      length = 3;
-    } else if (lead >= 0xF0 && lead <= 0xF4) {
-      length = 4;
-    } else if (lead >= 0x80) {
-      return false;
-    }
-    if (bytes.size() - at < length) return false;
-    for (std::size_t i = 1; i < length; ++i) {
-      if ((static_cast<unsigned char>(bytes[at + i]) & 0xC0) != 0x80) return false;
-    }
-    at += length;
-  }
-  return true;
-}
-
 // The name in a header line; nothing when the line is none.
 std::optional<std::string_view> HeaderName(std::string_view line) {
   const Range range = Trimmed(line, {0, line.size()});

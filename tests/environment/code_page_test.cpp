@@ -82,6 +82,16 @@ TEST(CodePage, MalformedUtf8IsAnErrorWithAValidDescription) {
   }
 }
 
+TEST(CodePage, Utf8IsToldFromOtherBytes) {
+  for (const char* text : {"", "abc", "Ä€", "\U0001F600", "\xED\x9F\xBF"}) {
+    EXPECT_TRUE(IsUtf8(text)) << text;
+  }
+  for (const char* bytes : {"\xC4", "a\x80", "\xC0\xAF", "\xE0\x80\xAF", "\xED\xA0\x80",
+                            "\xF5\x80\x80\x80", "\xE2\x82"}) {
+    EXPECT_FALSE(IsUtf8(bytes)) << bytes;
+  }
+}
+
 TEST(FoldCase, LettersOfTheCodePagesFold) {
   EXPECT_EQ(FoldCase("ÄÖÜ ŠŽŒŸ ÀÇÑÞ"), "äöü šžœÿ àçñþ");
   EXPECT_EQ(FoldCase("ĄĆĘŁŃŚŹŻ ČĎĚŇŘŤŮ ŐŰ"), "ąćęłńśźż čďěňřťů őű");

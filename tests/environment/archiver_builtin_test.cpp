@@ -1,0 +1,527 @@
+#include "environment/archiver_builtin.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+#include <zip.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <new>
+#include <optional>
+#include <random>
+#include <string>
+#include <tuple>
+#include <utility>
+
+#include "environment/runtime_error.h"
+#include "fakes/memory_file_system.h"
+
+namespace txs {
+namespace {
+
+constexpr char kSource[] = "C:\\Demo\\Library.dll";
+constexpr char kArchive[] = "C:\\Temp\\Library.dll.zip";
+
+// What a ZIP program finds in an archive.
+struct Unpacked {
+  bool sound = false;
+  std::string name;
+  std::string bytes;
+  int entries = 0;
+};
+
+Unpacked Unpack(const std::string& bytes) {
+  Unpacked result;
+  zip_source_t* const source =
+      zip_source_buffer_create(bytes.data(), bytes.size(), /*freep=*/0, nullptr);
+  zip_t* const zip = zip_open_from_source(source, ZIP_RDONLY | ZIP_CHECKCONS, nullptr);
+  if (zip == nullptr) {
+    zip_source_free(source);
+    return result;
+  }
+  result.entries = static_cast<int>(zip_get_num_entries(zip, /*flags=*/0));
+  if (const char* const name = zip_get_name(zip, /*index=*/0, ZIP_FL_ENC_GUESS)) result.name = name;
+  if (zip_file_t* const entry = zip_fopen_index(zip, /*index=*/0, /*flags=*/0)) {
+    char buffer[65536];
+    zip_int64_t got = 0;
+    while ((got = zip_fread(entry, buffer, sizeof buffer)) > 0) {
+      result.bytes.append(buffer, static_cast<std::size_t>(got));
+    }
+    result.sound = got == 0;  // a wrong CRC is a failing read
+    zip_fclose(entry);
+  }
+  zip_discard(zip);
+  return result;
+}
+
+// Archive bytes on disk for the command-line programs; removed at the end.
+class DiskCopy {
+ public:
+  explicit DiskCopy(const std::string& bytes) {
+    std::string pattern = (std::filesystem::temp_directory_path() / "archiver-XXXXXX").string();
+    folder_ = mkdtemp(pattern.data());
+    std::ofstream(Path(), std::ios::binary) << bytes;
+  }
+  DiskCopy(const DiskCopy&) = delete;
+  DiskCopy& operator=(const DiskCopy&) = delete;
+  ~DiskCopy() { std::filesystem::remove_all(folder_); }
+
+  [[nodiscard]] std::filesystem::path Path() const { return folder_ / "archive.zip"; }
+
+  [[nodiscard]] int Run(const std::string& command) const {
+    return std::system((command + " '" + Path().string() + "' > /dev/null 2>&1").c_str());
+  }
+
+ private:
+  std::filesystem::path folder_;
+};
+
+std::string Repeating(std::size_t size) {
+  std::string bytes;
+  while (bytes.size() < size) bytes += "The quick brown fox. " + std::to_string(bytes.size() % 97);
+  bytes.resize(size);
+  return bytes;
+}
+
+std::string Noise(std::size_t size, unsigned seed) {
+  std::mt19937 random(seed);
+  std::string bytes(size, '\0');
+  for (char& byte : bytes) byte = static_cast<char>(random());
+  return bytes;
+}
+
+unsigned U16(const std::string& bytes, std::size_t at) {
+  return static_cast<unsigned char>(bytes[at]) |
+         static_cast<unsigned>(static_cast<unsigned char>(bytes[at + 1])) << 8;
+}
+
+std::uint32_t U32(const std::string& bytes, std::size_t at) {
+  return U16(bytes, at) | U16(bytes, at + 2) << 16;
+}
+
+constexpr unsigned kStored = 0;
+constexpr unsigned kDeflated = 8;
+
+unsigned Method(const std::string& zip) { return U16(zip, 8); }
+
+// A clock whose wall shows whatever the test says.
+class WallClock : public Clock {
+ public:
+  FileTime Now() const override { return {}; }
+  LocalTime ToLocal(FileTime) const override { return local; }
+  std::string ShortDateAndTime(const LocalTime&) const override { return {}; }
+
+  LocalTime local = {2026, 11, 21, 7, 11, 45};
+};
+
+// The file system of a bad day.
+class FailingFiles : public MemoryFileSystem {
+ public:
+  std::unique_ptr<InputFile> OpenForReading(std::string_view path) const override {
+    if (open_error) throw RuntimeError(*open_error, "open");
+    return std::make_unique<Input>(*this, MemoryFileSystem::OpenForReading(path));
+  }
+  std::unique_ptr<OutputFile> CreateForWriting(std::string_view path) override {
+    if (create_error) throw RuntimeError(*create_error, "create");
+    return std::make_unique<Output>(*this, MemoryFileSystem::CreateForWriting(path));
+  }
+
+  std::optional<ErrorNumber> open_error;
+  std::optional<ErrorNumber> create_error;
+  std::optional<ErrorNumber> read_error;
+  std::optional<ErrorNumber> write_error;
+  std::optional<ErrorNumber> close_error;
+  std::size_t bytes_before_failure = 0;
+  bool source_cut_short = false;
+  bool out_of_memory = false;
+
+ private:
+  class Input : public InputFile {
+   public:
+    Input(const FailingFiles& files, std::unique_ptr<InputFile> file)
+        : files_(files), file_(std::move(file)) {}
+    std::size_t Read(std::span<std::byte> buffer) override {
+      if (files_.out_of_memory) throw std::bad_alloc();
+      const std::size_t got = file_->Read(buffer);
+      done_ += got;
+      const bool due = done_ > files_.bytes_before_failure;
+      if (files_.read_error && due) throw RuntimeError(*files_.read_error, "read");
+      return files_.source_cut_short && due ? 0 : got;
+    }
+    std::uint64_t Length() const override { return file_->Length(); }
+    void Seek(std::uint64_t offset) override { file_->Seek(offset); }
+
+   private:
+    const FailingFiles& files_;
+    std::unique_ptr<InputFile> file_;
+    std::size_t done_ = 0;
+  };
+  class Output : public OutputFile {
+   public:
+    Output(const FailingFiles& files, std::unique_ptr<OutputFile> file)
+        : files_(files), file_(std::move(file)) {}
+    void Write(std::span<const std::byte> data) override {
+      done_ += data.size();
+      if (files_.write_error && done_ > files_.bytes_before_failure) {
+        throw RuntimeError(*files_.write_error, "write");
+      }
+      file_->Write(data);
+    }
+    void WriteAt(std::uint64_t offset, std::span<const std::byte> data) override {
+      file_->WriteAt(offset, data);
+    }
+    void Close() override {
+      if (files_.close_error) throw RuntimeError(*files_.close_error, "close");
+      file_->Close();
+    }
+
+   private:
+    const FailingFiles& files_;
+    std::unique_ptr<OutputFile> file_;
+    std::size_t done_ = 0;
+  };
+};
+
+class ArchiverTest : public testing::Test {
+ protected:
+  ArchiverTest() {
+    files_.MakeFolder("C:\\Demo");
+    files_.MakeFolder("C:\\Temp");
+  }
+
+  void PutFile(std::string_view path, const std::string& bytes) {
+    files_.ReplaceWhole(path, bytes);
+  }
+
+  ArchiveResult Compress(const ArchiverLimits& limits = {}) {
+    return MakeBuiltInArchiver(files_, clock_, limits)->Compress(kArchive, kSource);
+  }
+
+  // The archive of a file with these bytes.
+  std::string ArchiveOf(const std::string& bytes, const ArchiverLimits& limits = {}) {
+    PutFile(kSource, bytes);
+    EXPECT_EQ(Compress(limits), ArchiveResult::kSuccess);
+    return files_.ReadWhole(kArchive);
+  }
+
+  FailingFiles files_;
+  WallClock clock_;
+};
+
+TEST_F(ArchiverTest, TheArchiveHoldsTheFileUnderItsBareName) {
+  const std::string bytes = Repeating(10'000);
+
+  const Unpacked unpacked = Unpack(ArchiveOf(bytes));
+
+  EXPECT_TRUE(unpacked.sound);
+  EXPECT_EQ(unpacked.entries, 1);
+  EXPECT_EQ(unpacked.name, "Library.dll");
+  EXPECT_EQ(unpacked.bytes, bytes);
+}
+
+TEST_F(ArchiverTest, CommonProgramsFindTheArchiveSound) {
+  for (const std::string& bytes : {std::string(), std::string("x"), Repeating(100'000)}) {
+    const DiskCopy copy(ArchiveOf(bytes));
+
+    EXPECT_EQ(copy.Run("unzip -t"), 0);
+    EXPECT_EQ(copy.Run("7z t"), 0);
+  }
+}
+
+TEST_F(ArchiverTest, CommonProgramsFindADamagedArchiveDamaged) {
+  std::string zip = ArchiveOf(Repeating(100'000));
+  zip[100] = static_cast<char>(zip[100] ^ 0x55);
+  const DiskCopy copy(zip);
+
+  EXPECT_NE(copy.Run("unzip -t"), 0);
+  EXPECT_NE(copy.Run("7z t"), 0);
+}
+
+TEST_F(ArchiverTest, CrcAndSizesStandInTheLocalHeader) {
+  const std::string zip = ArchiveOf("123456789");
+
+  EXPECT_EQ(U16(zip, 6), 0u);  // no flags: no data descriptor, a name in ASCII
+  EXPECT_EQ(U32(zip, 14), 0xCBF43926u);
+  EXPECT_EQ(U32(zip, 18), 9u);
+  EXPECT_EQ(U32(zip, 22), 9u);
+}
+
+TEST_F(ArchiverTest, SameInputGivesSameBytes) {
+  const std::string bytes = Repeating(50'000);
+
+  const std::string first = ArchiveOf(bytes);
+  const std::string second = ArchiveOf(bytes);
+  const ArchiverLimits streaming = {.whole_file_bytes = 1000};
+  const std::string third = ArchiveOf(bytes, streaming);
+  const std::string fourth = ArchiveOf(bytes, streaming);
+
+  EXPECT_EQ(first, second);
+  EXPECT_EQ(third, fourth);
+}
+
+TEST_F(ArchiverTest, OneArchiverMakesManyArchivesAsIfEachWereItsFirst) {
+  const std::unique_ptr<Archiver> archiver = MakeBuiltInArchiver(files_, clock_);
+  for (const std::size_t size : {30'000u, 5u, 0u, 9'000'000u, 100u}) {
+    const std::string bytes = size % 2 == 0 ? Repeating(size) : Noise(size, 1);
+    const std::string alone = ArchiveOf(bytes);
+
+    EXPECT_EQ(archiver->Compress(kArchive, kSource), ArchiveResult::kSuccess);
+    EXPECT_EQ(files_.ReadWhole(kArchive), alone);
+  }
+}
+
+TEST_F(ArchiverTest, AnEmptyFileIsStored) {
+  const std::string zip = ArchiveOf("");
+
+  EXPECT_EQ(Method(zip), kStored);
+  EXPECT_TRUE(Unpack(zip).sound);
+  EXPECT_EQ(Unpack(zip).bytes, "");
+}
+
+TEST_F(ArchiverTest, AFileThatDoesNotShrinkIsStored) {
+  for (const std::uint64_t whole_file_bytes : {1'000'000u, 10u}) {
+    const std::string bytes = Noise(300'000, 2);
+
+    const std::string zip = ArchiveOf(bytes, {.whole_file_bytes = whole_file_bytes});
+
+    EXPECT_EQ(Method(zip), kStored);
+    EXPECT_EQ(U32(zip, 18), bytes.size());
+    EXPECT_EQ(Unpack(zip).bytes, bytes);
+  }
+}
+
+TEST_F(ArchiverTest, AFileThatShrinksIsDeflated) {
+  for (const std::uint64_t whole_file_bytes : {1'000'000u, 10u}) {
+    const std::string bytes = Repeating(300'000);
+
+    const std::string zip = ArchiveOf(bytes, {.whole_file_bytes = whole_file_bytes});
+
+    EXPECT_EQ(Method(zip), kDeflated);
+    EXPECT_LT(zip.size(), bytes.size() / 4);
+    EXPECT_EQ(Unpack(zip).bytes, bytes);
+  }
+}
+
+TEST_F(ArchiverTest, FilesAroundEveryLimitComeBackWhole) {
+  const ArchiverLimits limits = {.whole_file_bytes = 4096, .zip64_bytes = 600'000};
+  // Around the whole-file limit, the stream's pieces of 256 KiB and the ZIP64 limit.
+  for (const std::size_t around : {std::size_t{1}, std::size_t{4096}, std::size_t{262'144},
+                                   std::size_t{524'288}, std::size_t{599'939}}) {
+    for (std::size_t size = around - 1; size <= around + 1; ++size) {
+      for (const std::string& bytes : {Repeating(size), Noise(size, 3)}) {
+        const Unpacked unpacked = Unpack(ArchiveOf(bytes, limits));
+
+        ASSERT_TRUE(unpacked.sound) << size;
+        ASSERT_EQ(unpacked.bytes, bytes) << size;
+      }
+    }
+  }
+}
+
+TEST_F(ArchiverTest, FilesOfRandomSizesAndContentsComeBackWhole) {
+  std::mt19937 random(4);
+  for (int round = 0; round < 60; ++round) {
+    const ArchiverLimits limits = {.whole_file_bytes = random() % 100'000,
+                                   .zip64_bytes = random() % 2 == 0 ? 0 : 0xFFFFFFFF};
+    std::string bytes =
+        Repeating(random() % 200'000) + Noise(random() % 200'000, static_cast<unsigned>(random()));
+    if (random() % 2 == 0) bytes += std::string(random() % 300'000, '\0');
+
+    const std::string zip = ArchiveOf(bytes, limits);
+
+    ASSERT_TRUE(Unpack(zip).sound) << round;
+    ASSERT_EQ(Unpack(zip).bytes, bytes) << round;
+    ASSERT_LE(zip.size(), bytes.size() + 300) << round;
+  }
+}
+
+TEST_F(ArchiverTest, CommonProgramsReadTheLargeArchiveFormat) {
+  for (const std::uint64_t whole_file_bytes : {1'000'000u, 10u}) {
+    for (const std::string& bytes : {Repeating(300'000), Noise(300'000, 5)}) {
+      const std::string zip =
+          ArchiveOf(bytes, {.whole_file_bytes = whole_file_bytes, .zip64_bytes = 300'000});
+      const DiskCopy copy(zip);
+
+      EXPECT_EQ(U16(zip, 4), 45u);  // the version that brought this format
+      EXPECT_EQ(copy.Run("unzip -t"), 0);
+      EXPECT_EQ(copy.Run("7z t"), 0);
+      EXPECT_EQ(Unpack(zip).bytes, bytes);
+    }
+  }
+}
+
+TEST_F(ArchiverTest, TheLargeFormatBeginsWhereTheDirectorysOffsetWouldNotFit) {
+  constexpr std::size_t kHeaderBytes = 30 + 20 + 11;  // with "Library.dll"
+  const std::string bytes = Noise(1000, 6);
+
+  const std::string below = ArchiveOf(bytes, {.zip64_bytes = bytes.size() + kHeaderBytes + 1});
+  const std::string at = ArchiveOf(bytes, {.zip64_bytes = bytes.size() + kHeaderBytes});
+
+  EXPECT_EQ(U16(below, 4), 20u);
+  EXPECT_EQ(U16(at, 4), 45u);
+}
+
+TEST_F(ArchiverTest, OnlyANameBeyondAsciiIsMarkedAsUtf8) {
+  constexpr char kUmlaut[] = "C:\\Demo\\Größe.dll";
+  PutFile(kUmlaut, "x");
+
+  const auto archiver = MakeBuiltInArchiver(files_, clock_);
+  ASSERT_EQ(archiver->Compress(kArchive, kUmlaut), ArchiveResult::kSuccess);
+
+  const std::string zip = files_.ReadWhole(kArchive);
+  EXPECT_EQ(U16(zip, 6), 1u << 11);
+  EXPECT_EQ(Unpack(zip).name, "Größe.dll");
+}
+
+struct DosMoment {
+  LocalTime local;
+  unsigned date;
+  unsigned time;
+};
+
+class ArchiverTimeTest : public ArchiverTest, public testing::WithParamInterface<DosMoment> {};
+
+TEST_P(ArchiverTimeTest, TheEntryHasTheLocalTimeThatAnArchiveCanHold) {
+  clock_.local = GetParam().local;
+
+  const std::string zip = ArchiveOf("x");
+
+  EXPECT_EQ(U16(zip, 12), GetParam().date);
+  EXPECT_EQ(U16(zip, 10), GetParam().time);
+}
+
+constexpr unsigned DosDate(int year, int month, int day) {
+  return static_cast<unsigned>((year - 1980) * 512 + month * 32 + day);
+}
+constexpr unsigned DosTime(int hour, int minute, int half_seconds) {
+  return static_cast<unsigned>(hour * 2048 + minute * 32 + half_seconds);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Moments, ArchiverTimeTest,
+    testing::Values(DosMoment{{2026, 11, 21, 7, 11, 45}, DosDate(2026, 11, 21), DosTime(7, 11, 22)},
+                    DosMoment{{1979, 12, 31, 23, 59, 59}, DosDate(1980, 1, 1), DosTime(0, 0, 0)},
+                    DosMoment{{1601, 1, 1, 0, 0, 0}, DosDate(1980, 1, 1), DosTime(0, 0, 0)},
+                    DosMoment{{1980, 1, 1, 0, 0, 0}, DosDate(1980, 1, 1), DosTime(0, 0, 0)},
+                    DosMoment{
+                        {2107, 12, 31, 23, 59, 59}, DosDate(2107, 12, 31), DosTime(23, 59, 29)},
+                    DosMoment{{2108, 1, 1, 0, 0, 0}, DosDate(2107, 12, 31), DosTime(23, 59, 29)},
+                    DosMoment{{2016, 12, 31, 23, 59, 60},  // a leap second
+                              DosDate(2016, 12, 31),
+                              DosTime(23, 59, 29)}));
+
+TEST_F(ArchiverTest, AMissingSourceHasItsOwnResult) {
+  EXPECT_EQ(Compress(), ArchiveResult::kSourceNotFound);
+  EXPECT_FALSE(files_.FileExists(kArchive));
+}
+
+TEST_F(ArchiverTest, AFolderIsNoReadableSource) {
+  files_.MakeFolder(kSource);
+
+  const ArchiveResult result = Compress();
+
+  EXPECT_NE(result, ArchiveResult::kSuccess);
+  EXPECT_FALSE(files_.FileExists(kArchive));
+}
+
+TEST_F(ArchiverTest, AMissingTargetFolderHasItsOwnResult) {
+  PutFile(kSource, "x");
+
+  const auto archiver = MakeBuiltInArchiver(files_, clock_);
+
+  EXPECT_EQ(archiver->Compress("C:\\Nowhere\\x.zip", kSource), ArchiveResult::kArchiveNotCreated);
+}
+
+TEST_F(ArchiverTest, AFailedRunLeavesNoOlderArchiveBehind) {
+  PutFile(kArchive, "an older archive");
+
+  EXPECT_EQ(Compress(), ArchiveResult::kSourceNotFound);
+
+  EXPECT_FALSE(files_.FileExists(kArchive));
+}
+
+TEST_F(ArchiverTest, ASourceIsNeverItsOwnArchive) {
+  PutFile(kSource, "x");
+
+  const auto archiver = MakeBuiltInArchiver(files_, clock_);
+
+  EXPECT_NE(archiver->Compress("c:\\demo\\LIBRARY.DLL", kSource), ArchiveResult::kSuccess);
+  EXPECT_EQ(files_.ReadWhole(kSource), "x");
+}
+
+TEST_F(ArchiverTest, ASourceThatCannotBeOpenedHasItsOwnResult) {
+  PutFile(kSource, "x");
+  files_.open_error = ErrorNumber::kPermissionDenied;
+
+  EXPECT_EQ(Compress(), ArchiveResult::kSourceUnreadable);
+}
+
+// A small file is read whole, a large one streamed: each failure is tried on both ways, at the
+// first byte and in the middle.
+class ArchiverFailureTest : public ArchiverTest,
+                            public testing::WithParamInterface<std::tuple<bool, std::size_t>> {
+ protected:
+  ArchiverFailureTest() {
+    PutFile(kSource, Noise(1'000'000, 8));
+    files_.bytes_before_failure = std::get<1>(GetParam());
+  }
+
+  ArchiveResult Result() {
+    const ArchiverLimits limits = {.whole_file_bytes =
+                                       std::get<0>(GetParam()) ? 1000u : 2'000'000u};
+    const ArchiveResult result = Compress(limits);
+    EXPECT_FALSE(files_.FileExists(kArchive));
+    EXPECT_TRUE(files_.FileExists(kSource));
+    return result;
+  }
+};
+
+INSTANTIATE_TEST_SUITE_P(Ways, ArchiverFailureTest,
+                         testing::Combine(testing::Bool(),
+                                          testing::Values<std::size_t>(0, 600'000)));
+
+TEST_P(ArchiverFailureTest, AFailingReadIsTold) {
+  files_.read_error = ErrorNumber::kDeviceIo;
+  EXPECT_EQ(Result(), ArchiveResult::kSourceUnreadable);
+}
+
+TEST_P(ArchiverFailureTest, ASourceCutShortIsTold) {
+  files_.source_cut_short = true;
+  EXPECT_EQ(Result(), ArchiveResult::kSourceChanged);
+}
+
+TEST_P(ArchiverFailureTest, AnArchiveThatCannotBeCreatedIsTold) {
+  files_.create_error = ErrorNumber::kPathFileAccess;
+  EXPECT_EQ(Result(), ArchiveResult::kArchiveNotCreated);
+}
+
+TEST_P(ArchiverFailureTest, AFullDiskIsTold) {
+  files_.write_error = ErrorNumber::kDiskFull;
+  EXPECT_EQ(Result(), ArchiveResult::kDiskFull);
+}
+
+TEST_P(ArchiverFailureTest, AFailingWriteIsTold) {
+  files_.write_error = ErrorNumber::kDeviceIo;
+  EXPECT_EQ(Result(), ArchiveResult::kWriteError);
+}
+
+TEST_P(ArchiverFailureTest, ADiskThatIsFullOnlyAtClosingIsTold) {
+  files_.close_error = ErrorNumber::kDiskFull;
+  EXPECT_EQ(Result(), ArchiveResult::kDiskFull);
+}
+
+TEST_P(ArchiverFailureTest, MemoryThatRunsOutIsTold) {
+  files_.out_of_memory = true;
+  EXPECT_EQ(Result(), ArchiveResult::kOutOfMemory);
+}
+
+TEST_F(ArchiverTest, AnOlderArchiveIsReplaced) {
+  PutFile(kArchive, Noise(100'000, 7));
+
+  EXPECT_EQ(Unpack(ArchiveOf("new")).bytes, "new");
+}
+
+}  // namespace
+}  // namespace txs

@@ -1,0 +1,159 @@
+#include "environment/profile_files.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "environment/runtime_error.h"
+#include "fakes/memory_file_system.h"
+
+namespace txs {
+namespace {
+
+constexpr char kPath[] = "C:\\Demo\\Demo.swz";
+
+// Counts what ProfileFiles asks of the file system, and can make writing fail.
+class WatchedFiles : public MemoryFileSystem {
+ public:
+  std::unique_ptr<InputFile> OpenForReading(std::string_view path) const override {
+    ++opened;
+    if (unreadable) throw RuntimeError(ErrorNumber::kPermissionDenied, std::string(path));
+    return MemoryFileSystem::OpenForReading(path);
+  }
+  void ReplaceWhole(std::string_view path, std::string_view bytes) override {
+    ++replaced;
+    if (full) throw RuntimeError(ErrorNumber::kDiskFull, std::string(path));
+    MemoryFileSystem::ReplaceWhole(path, bytes);
+  }
+
+  mutable int opened = 0;
+  int replaced = 0;
+  bool unreadable = false;
+  bool full = false;
+};
+
+class ProfileFilesTest : public testing::Test {
+ protected:
+  ProfileFilesTest() { files_.MakeFolder("C:\\Demo"); }
+
+  void PutFile(std::string_view bytes) {
+    files_.ReplaceWhole(kPath, bytes);
+    files_.replaced = 0;
+  }
+
+  WatchedFiles files_;
+  ProfileFiles profiles_{files_};
+};
+
+TEST_F(ProfileFilesTest, AFileIsReadOnceForManyKeys) {
+  PutFile("[s]\r\nk=1\r\n");
+
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(profiles_.Open(kPath).Value("s", "k"), "1");
+
+  EXPECT_EQ(files_.opened, 1);
+}
+
+TEST_F(ProfileFilesTest, EverySpellingOfAPathIsTheSameFile) {
+  PutFile("[s]\r\nk=1\r\n");
+
+  (void)profiles_.Open(kPath);
+  (void)profiles_.Open("c:/DEMO//demo.SWZ");
+
+  EXPECT_EQ(files_.opened, 1);
+}
+
+TEST_F(ProfileFilesTest, AFileThatChangedIsReadAgain) {
+  PutFile("[s]\r\nk=1\r\n");
+  (void)profiles_.Open(kPath);
+
+  PutFile("[s]\r\nk=22\r\n");
+
+  EXPECT_EQ(profiles_.Open(kPath).Value("s", "k"), "22");
+}
+
+TEST_F(ProfileFilesTest, AMissingFileIsAnEmptyDocument) {
+  EXPECT_EQ(profiles_.Open(kPath).Bytes(), "");
+  EXPECT_EQ(profiles_.Open("C:\\No\\Folder\\x.ini").Bytes(), "");
+  EXPECT_EQ(profiles_.Open("").Bytes(), "");
+}
+
+TEST_F(ProfileFilesTest, AFileThatAppearsOrDisappearsIsNoticed) {
+  EXPECT_EQ(profiles_.Open(kPath).Value("s", "k"), std::nullopt);
+  PutFile("[s]\r\nk=1\r\n");
+  EXPECT_EQ(profiles_.Open(kPath).Value("s", "k"), "1");
+  files_.RemoveFile(kPath);
+  EXPECT_EQ(profiles_.Open(kPath).Value("s", "k"), std::nullopt);
+}
+
+TEST_F(ProfileFilesTest, AFileThatCannotBeReadIsAnError) {
+  PutFile("[s]\r\nk=1\r\n");
+  files_.unreadable = true;
+
+  try {
+    (void)profiles_.Open(kPath);
+    FAIL() << "no error";
+  } catch (const RuntimeError& error) {
+    EXPECT_EQ(error.Number(), ErrorNumber::kPermissionDenied);
+  }
+}
+
+TEST_F(ProfileFilesTest, AFolderIsNoProfileFile) {
+  EXPECT_THROW((void)profiles_.Open("C:\\Demo"), RuntimeError);
+}
+
+TEST_F(ProfileFilesTest, AChangeIsWrittenAndKept) {
+  PutFile("; mine\r\n[s]\r\nk=1\r\n");
+
+  profiles_.Change(kPath, [](ProfileDocument& document) { document.Set("s", "k", "2"); });
+
+  EXPECT_EQ(files_.ReadWhole(kPath), "; mine\r\n[s]\r\nk=2\r\n");
+  files_.opened = 0;
+  EXPECT_EQ(profiles_.Open(kPath).Value("s", "k"), "2");
+  EXPECT_EQ(files_.opened, 0);
+}
+
+TEST_F(ProfileFilesTest, AChangeCreatesTheFile) {
+  profiles_.Change(kPath, [](ProfileDocument& document) { document.Set("s", "k", "1"); });
+
+  EXPECT_EQ(files_.ReadWhole(kPath), "[s]\r\nk=1\r\n");
+}
+
+TEST_F(ProfileFilesTest, AnEditThatChangesNothingWritesNothing) {
+  PutFile("[s]\r\nk=1\r\n");
+
+  profiles_.Change(kPath, [](ProfileDocument& document) { document.Set("s", "k", "1"); });
+  profiles_.Change("C:\\Demo\\other.ini",
+                   [](ProfileDocument& document) { document.RemoveSection("s"); });
+
+  EXPECT_EQ(files_.replaced, 0);
+  EXPECT_FALSE(files_.FileExists("C:\\Demo\\other.ini"));
+}
+
+TEST_F(ProfileFilesTest, AnEditThatFailsLeavesFileAndDocumentAsTheyWere) {
+  PutFile("[s]\r\nk=1\r\n");
+
+  EXPECT_THROW(profiles_.Change(kPath,
+                                [](ProfileDocument& document) {
+                                  document.Set("s", "k", "2");
+                                  document.Set("s", "l", "a\nb");
+                                }),
+               RuntimeError);
+
+  EXPECT_EQ(files_.ReadWhole(kPath), "[s]\r\nk=1\r\n");
+  EXPECT_EQ(profiles_.Open(kPath).Value("s", "k"), "1");
+}
+
+TEST_F(ProfileFilesTest, AWriteThatFailsLeavesFileAndDocumentAsTheyWere) {
+  PutFile("[s]\r\nk=1\r\n");
+  files_.full = true;
+
+  EXPECT_THROW(
+      profiles_.Change(kPath, [](ProfileDocument& document) { document.Set("s", "k", "2"); }),
+      RuntimeError);
+
+  EXPECT_EQ(files_.ReadWhole(kPath), "[s]\r\nk=1\r\n");
+  EXPECT_EQ(profiles_.Open(kPath).Value("s", "k"), "1");
+}
+
+}  // namespace
+}  // namespace txs
