@@ -24,7 +24,7 @@ class CompressedNames {
   [[nodiscard]] std::string Next(std::string_view source_path);
 
  private:
-  std::unordered_set<std::string> taken_;                      // folded
+  std::unordered_set<std::string> taken_;                     // folded
   std::unordered_map<std::string, std::size_t> next_number_;  // by folded file name
 };
 

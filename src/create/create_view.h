@@ -26,8 +26,8 @@ struct CreateProgress {
   std::string size_text;   // "42 %": 100 only when everything is done, 0 only before anything is
 };
 
-// Builds the texts from the figures; the percentage is rounded half to even. A total of 0 bytes with
-// nothing to do is 0 %.
+// Builds the texts from the figures; the percentage is rounded half to even. A total of 0 bytes
+// with nothing to do is 0 %.
 [[nodiscard]] CreateProgress MakeCreateProgress(std::uint64_t count_done, std::uint64_t count_total,
                                                 std::uint64_t bytes_done,
                                                 std::uint64_t bytes_total);
@@ -46,7 +46,7 @@ class CreateView {
   virtual void ShowAction(const std::string& text) = 0;  // action label: "Compressing"
   virtual void ShowFile(const std::string& name) = 0;    // file or archive being handled
   virtual void ShowProgress(const CreateProgress& progress) = 0;
-  virtual void ShowBusy(bool busy) = 0;                  // hourglass pointer
+  virtual void ShowBusy(bool busy) = 0;  // hourglass pointer
 
   // Lets pending window events run; once per file. A press of Cancel is noticed here.
   virtual void LetEventsRun() = 0;

@@ -34,8 +34,8 @@ struct DistributionPlan {
 
 // Where archives of these sizes go: pure arithmetic, the one place that knows the rules. Room is
 // counted in units of 1024 bytes. An archive that needs less than the free room is placed whole;
-// one that needs just the free room, or more, takes the piecewise path in chunks of 10240 bytes. The
-// reservation counts on disk 1 only; it must not exceed the medium.
+// one that needs just the free room, or more, takes the piecewise path in chunks of 10240 bytes.
+// The reservation counts on disk 1 only; it must not exceed the medium.
 [[nodiscard]] DistributionPlan PlanDistribution(const std::vector<std::uint64_t>& archive_bytes,
                                                 std::uint64_t medium_bytes,
                                                 std::uint64_t reserved_bytes);
@@ -43,10 +43,16 @@ struct DistributionPlan {
 // `bytes` up to a whole multiple of 1024.
 [[nodiscard]] std::uint64_t RoundUpTo1024(std::uint64_t bytes);
 
-// Stage 408. Moves the archives of all rows from the temporary directory onto the disks, writes each
-// disk's label file, fills the rows' Disk field (cleared before), the step-5 disks label and
+// Fills `sizes` with the bytes of every row's archive in the temporary directory. False after
+// message 903, or when Cancel was pressed.
+[[nodiscard]] bool MeasureArchives(Application& application, CreateView& view,
+                                   const CreateState& state, std::vector<std::uint64_t>& sizes);
+
+// Stage 408. Moves the archives of all rows from the temporary directory onto the disks, writes
+// each disk's label file, fills the rows' Disk field (cleared before), the step-5 disks label and
 // `state.disks_used`. False after message 903, or when Cancel was pressed between files; archives
-// already placed stay.
+// already placed stay. A name that lies on the disk already (a kit file, a label, another archive)
+// is an error, since overwriting it would damage the installation unseen.
 [[nodiscard]] bool DistributeOnDisks(Application& application, CreateView& view,
                                      CreateState& state);
 

@@ -15,8 +15,9 @@ namespace txs {
 // file; throws RuntimeError when one no longer exists or cannot be read.
 [[nodiscard]] std::string SetupControlText(Application& application);
 
-// Stage 409: writes the script over its placeholder in the first disk directory. False after message
-// 904, or when Cancel was pressed before the file was opened. A partly written file is left.
+// Stage 409: writes the script over its placeholder in the first disk directory. False after
+// message 904, or when Cancel was pressed before the file was opened. A partly written file is
+// left.
 [[nodiscard]] bool WriteSetupControlFile(Application& application, CreateView& view,
                                          const CreateState& state);
 

@@ -1,0 +1,294 @@
+#include "create/create_run.h"
+
+#include <exception>
+#include <functional>
+#include <unordered_set>
+
+#include "create/compression.h"
+#include "create/setup_control_file.h"
+#include "create/setup_kit.h"
+#include "create/stage_border.h"
+#include "document/document_check.h"
+#include "document/medium.h"
+#include "document/path_variables.h"
+#include "document/settings_file.h"
+#include "environment/code_page.h"
+#include "environment/windows_path.h"
+
+namespace txs {
+namespace {
+
+constexpr long kTextFailed = 424;
+constexpr long kTextDone = 425;
+constexpr long kMessageTemporaryDirectory = 905;
+constexpr long kMessageOutputDirectory = 906;
+constexpr long kMessageProgramMissing = 1711;
+
+bool RunStage(CreateView& view, CreateStage stage, const std::function<bool()>& work) {
+  view.StageStarted(stage);
+  const bool succeeded = work();
+  view.StageEnded(stage, succeeded);
+  return succeeded;
+}
+
+// With the option for the minimal MDAC installation, its small installer takes the place of the
+// full one, in the lists and in the script.
+void ApplyMinimalMdac(Application& application) {
+  SetupDocument& document = application.document;
+  if (!document.steps.minimal_mdac) return;
+  const std::string minimal_source =
+      ToVariableForm(document.path_variables,
+                     JoinPath(application.installation.SetupKitDirectory(), "Mdac_min.exe"),
+                     VariableForm::kWholePath);
+  for (FileRow* row : document.AllRows()) {
+    if (EqualNoCase(FileName(row->source), "Mdac_typ.exe")) row->source = minimal_source;
+  }
+
+  // Rebuilt through AddUnique: a Scan after an earlier Create has added the full entry again, and
+  // the minimal one must not run twice.
+  std::vector<std::string> entries;
+  for (const std::string& entry : document.extra_todo_lines) {
+    if (EqualNoCase(entry, FullMdacEntry())) {
+      AddUnique(entries, MinimalMdacEntry());
+    } else {
+      AddUnique(entries, entry);
+    }
+  }
+  document.extra_todo_lines = std::move(entries);
+}
+
+// What comes before the stages. The path variables are extended first, so that <TempDir> and the
+// user directories resolve from here on.
+bool Prepare(Application& application) {
+  const std::string no_subject;
+  const bool prepared = AtStageBorder(application, kMessageOutputDirectory, no_subject, [&] {
+    ExtendPathVariables(application);
+    ApplyMinimalMdac(application);
+    return true;
+  });
+  return prepared && CheckDocument(application, Step::kAll);
+}
+
+bool MakeTemporaryDirectory(Application& application, CreateState& state) {
+  const std::string no_subject;
+  return AtStageBorder(application, kMessageTemporaryDirectory, no_subject, [&] {
+    // Without a project directory this would be \~TEMP of whatever drive is current.
+    if (application.project.directory.empty()) {
+      throw RuntimeError(ErrorNumber::kPathNotFound, "The project has no directory");
+    }
+    state.temporary_directory = application.project.TemporaryDirectory();
+    application.platform.files.RemoveTree(state.temporary_directory);
+    application.platform.files.MakeFolder(state.temporary_directory);
+    return true;
+  });
+}
+
+std::string ResolveOutputDirectory(const Application& application) {
+  const std::string directory = NormalizeDirectory(FromVariableForm(
+      application.document.path_variables, application.document.steps.setup_directory));
+  // Disk directories are deleted in it: a directory that depends on where the process happens to
+  // stand is not what anyone meant.
+  if (!IsAbsolutePath(directory)) {
+    throw RuntimeError(ErrorNumber::kBadFileName,
+                       "\"" + directory + "\" is no complete path of a directory");
+  }
+  return directory;
+}
+
+// A tidy folded path that ends in a backslash, so that being inside is a matter of prefixes.
+std::string FoldedFolder(std::string_view directory) {
+  std::string folded = FoldCase(NormalizeDirectory(directory));
+  if (folded.empty() || folded.back() != '\\') folded += '\\';
+  return folded;
+}
+
+// The pattern DISK* also matches a folder such as "DiskMonitor" beside the output. Whoever builds
+// into the parent of the project must not lose the project.
+class ProtectedPlaces {
+ public:
+  ProtectedPlaces(std::string_view output_directory, const std::vector<FileEntry>& old_disks)
+      : output_(FoldedFolder(output_directory)) {
+    for (const FileEntry& entry : old_disks) {
+      if (entry.is_folder) old_disks_.insert(FoldCase(entry.name));
+    }
+  }
+
+  // Throws when `path` lies in one of the folders to be removed.
+  void Check(std::string_view path) const {
+    if (old_disks_.empty()) return;
+    const std::string folded = FoldedFolder(path);
+    if (!folded.starts_with(output_)) return;
+    const std::size_t end = folded.find('\\', output_.size());
+    if (old_disks_.contains(folded.substr(output_.size(), end - output_.size()))) {
+      throw RuntimeError(ErrorNumber::kPathFileAccess,
+                         std::string(path) + ": lies in a DISK folder that would be deleted");
+    }
+  }
+
+ private:
+  std::string output_;
+  std::unordered_set<std::string> old_disks_;
+};
+
+void RemoveOldDisks(Application& application, const std::string& output_directory) {
+  FileSystem& files = application.platform.files;
+  if (!files.FolderExists(output_directory)) return;
+  const std::vector<FileEntry> old_disks = files.List(output_directory, "DISK*");
+
+  const ProtectedPlaces places(output_directory, old_disks);
+  places.Check(application.project.directory);
+  places.Check(application.installation.SetupKitDirectory());
+  for (const FileRow* row : application.document.AllRows()) {
+    places.Check(FromVariableForm(application.document.path_variables, row->source));
+  }
+
+  for (const FileEntry& entry : old_disks) {
+    if (entry.is_folder) files.RemoveTree(JoinPath(output_directory, entry.name));
+  }
+}
+
+bool MakeOutputDirectory(Application& application, CreateState& state) {
+  const std::string no_subject;
+  return AtStageBorder(application, kMessageOutputDirectory, no_subject, [&] {
+    state.output_directory = ResolveOutputDirectory(application);
+    // Both would be emptied or removed together.
+    if (FoldedFolder(state.output_directory).starts_with(FoldedFolder(state.temporary_directory))) {
+      throw RuntimeError(ErrorNumber::kPathFileAccess,
+                         state.output_directory + ": lies in the temporary directory");
+    }
+    RemoveOldDisks(application, state.output_directory);
+    const std::string_view separator = state.output_directory.back() == '\\' ? "" : "\\";
+    state.first_disk_directory.append(state.output_directory).append(separator).append("DISK1");
+    application.platform.files.MakeFolder(state.first_disk_directory);
+    return true;
+  });
+}
+
+// Stage 405.
+bool MakeDirectories(Application& application, CreateView& view, CreateState& state) {
+  if (CancelledMeanwhile(view)) return false;
+  if (!MakeTemporaryDirectory(application, state)) return false;
+  state.medium_bytes = MediumSizeBytes(application.document.steps.disk_size_index);
+  return MakeOutputDirectory(application, state);
+}
+
+bool RunStages(Application& application, CreateView& view, CreateState& state) {
+  return RunStage(view, CreateStage::kDirectories,
+                  [&] { return MakeDirectories(application, view, state); }) &&
+         RunStage(view, CreateStage::kCompress,
+                  [&] { return CompressFiles(application, view, state); }) &&
+         RunStage(view, CreateStage::kSetupKit,
+                  [&] { return CopySetupKit(application, view, state); }) &&
+         RunStage(view, CreateStage::kDistribute,
+                  [&] { return DistributeOnDisks(application, view, state); }) &&
+         RunStage(view, CreateStage::kControlFile,
+                  [&] { return WriteSetupControlFile(application, view, state); });
+}
+
+void RemoveTemporaryDirectory(Application& application, const CreateState& state) {
+  if (state.temporary_directory.empty()) return;
+  try {
+    application.platform.files.RemoveTree(state.temporary_directory);
+  } catch (const std::exception&) {
+    // Nothing depends on it: the next run removes it first, and says so if it still cannot.
+  }
+}
+
+bool ProgramIsKnown(Application& application) {
+  if (!application.document.program_name.empty()) return true;
+  ShowWarning(application, kMessageProgramMissing, {});
+  return false;
+}
+
+CreateResult Run(Application& application, CreateView& view) {
+  CreateResult result;
+  if (!ProgramIsKnown(application)) return result;
+  view.Begin();
+  CreateState state;
+  result.succeeded =
+      Prepare(application) && RunStages(application, view, state) && !view.IsCancelPressed();
+  if (result.succeeded) RemoveTemporaryDirectory(application, state);
+
+  result.output_directory = state.output_directory;
+  result.disks = state.disks_used;
+  result.files = application.document.AllRows().size();
+  result.archive_bytes = state.archive_bytes;
+  view.End(result.succeeded, application.texts.GetText(result.succeeded ? kTextDone : kTextFailed));
+  if (!application.unattended) view.ShowTakeNote();
+  return result;
+}
+
+// Compresses into ~TEMP, which must exist, and lays the archives out on paper.
+std::optional<CreatePlan> MeasureAndPlan(Application& application, CreateView& view,
+                                         const CreateState& state) {
+  std::vector<std::uint64_t> sizes;
+  std::optional<SetupKitRoom> room;
+  const bool measured = RunStage(view, CreateStage::kCompress,
+                                 [&] { return CompressFiles(application, view, state); }) &&
+                        RunStage(view, CreateStage::kSetupKit,
+                                 [&] {
+                                   room = MeasureSetupKit(application, state.medium_bytes);
+                                   return room.has_value();
+                                 }) &&
+                        RunStage(view, CreateStage::kDistribute,
+                                 [&] { return MeasureArchives(application, view, state, sizes); });
+  if (!measured || view.IsCancelPressed()) return std::nullopt;
+
+  CreatePlan plan;
+  plan.fits = room->fits;
+  DistributionPlan distribution;
+  if (plan.fits) {
+    distribution = PlanDistribution(sizes, state.medium_bytes, room->bytes);
+    plan.disks = distribution.disks_used;
+  }
+  const std::vector<FileRow*> rows = application.document.AllRows();
+  plan.files.reserve(rows.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    CreatePlan::File& file = plan.files.emplace_back();
+    file.archive = rows[i]->compressed_name;
+    file.archive_bytes = sizes[i];
+    plan.archive_bytes += sizes[i];
+    if (!plan.fits) continue;
+    for (const DiskPiece& piece : distribution.archives[i].pieces) file.disks.push_back(piece.disk);
+  }
+  return plan;
+}
+
+std::optional<CreatePlan> Plan(Application& application, CreateView& view) {
+  if (!ProgramIsKnown(application)) return std::nullopt;
+  view.Begin();
+  CreateState state;
+  state.medium_bytes = MediumSizeBytes(application.document.steps.disk_size_index);
+  std::optional<CreatePlan> plan;
+  if (Prepare(application) && RunStage(view, CreateStage::kDirectories, [&] {
+        return !CancelledMeanwhile(view) && MakeTemporaryDirectory(application, state);
+      })) {
+    plan = MeasureAndPlan(application, view, state);
+  }
+  RemoveTemporaryDirectory(application, state);
+  // "Installation disks created" would not be true.
+  view.End(plan.has_value(), plan ? std::string() : application.texts.GetText(kTextFailed));
+  return plan;
+}
+
+}  // namespace
+
+CreateResult RunCreate(Application& application, CreateView& view) {
+  try {
+    return Run(application, view);
+  } catch (const std::exception&) {
+    // Every stage has its own border; what arrives here was thrown while a message or the result
+    // was being shown, so there is nobody left to tell.
+    return {};
+  }
+}
+
+std::optional<CreatePlan> PlanCreate(Application& application, CreateView& view) {
+  try {
+    return Plan(application, view);
+  } catch (const std::exception&) {
+    return std::nullopt;
+  }
+}
+
+}  // namespace txs

@@ -1,0 +1,256 @@
+#include "create/setup_control_file.h"
+
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "create/stage_border.h"
+#include "document/path_variables.h"
+#include "environment/code_page.h"
+#include "environment/project_type.h"
+#include "environment/windows_path.h"
+
+namespace txs {
+namespace {
+
+constexpr long kTextWriting = 426;
+constexpr long kMessageControlFile = 904;
+constexpr char kScriptName[] = "SETUP.STP";
+
+constexpr std::string_view kWriteVendorValue =
+    R"(WriteRegistry(HKEY_LOCAL_MACHINE|Software\ORBEKA GmbH|)";
+constexpr std::string_view kWriteStudioValue =
+    R"(WriteRegistry(HKEY_LOCAL_MACHINE|Software\ORBEKA GmbH\Tavix\4.0|)";
+
+// The script grows by about this much per file; only the number of allocations depends on it.
+constexpr std::size_t kBytesPerRow = 160;
+constexpr std::size_t kBytesOfFrame = 4096;
+
+// A row with what the developer's computer tells about its file.
+struct ScriptFile {
+  const FileRow* row = nullptr;
+  std::string path;  // variables resolved
+  std::string name;
+};
+
+std::string DateText(const LocalTime& time) {
+  std::array<char, 40> text;
+  const int length =
+      std::snprintf(text.data(), text.size(), "%02d.%02d.%04d", time.day, time.month, time.year);
+  return std::string(text.data(), static_cast<std::size_t>(length));
+}
+
+class ScriptWriter {
+ public:
+  explicit ScriptWriter(Application& application)
+      : application_(application), steps_(application.document.steps) {
+    const std::vector<FileRow*> rows = application.document.AllRows();
+    files_.reserve(rows.size());
+    for (const FileRow* row : rows) {
+      ScriptFile& file = files_.emplace_back();
+      file.row = row;
+      file.path = FromVariableForm(application.document.path_variables, row->source);
+      file.name = FileName(file.path);
+    }
+    text_.reserve(kBytesOfFrame + rows.size() * kBytesPerRow);
+  }
+
+  std::string Write() {
+    WriteParams();
+    Line("[ToDo]");
+    WriteDirectoryVariables();
+    Line("CheckDiskSpace");
+    WriteProductEntries();
+    const std::vector<bool> installed = WriteRuntimeSetups();
+    for (const UserDirectory& directory : steps_.user_directories) {
+      Line("CreateDir(", directory.directory, ")");
+    }
+    for (std::size_t i = 0; i < files_.size(); ++i) {
+      if (!installed[i]) WriteInstallFile(files_[i]);
+    }
+    WriteRegistrations();
+    WriteExtraEntries();
+    WriteStartEntries();
+    return std::move(text_);
+  }
+
+ private:
+  template <typename... Parts>
+  void Line(const Parts&... parts) {
+    (text_.append(parts), ...);
+    text_.append("\r\n");
+  }
+
+  void WriteParams() {
+    Line("[Params]");
+    Line("DefLang=0");
+    Line("Silent=1");
+    Line("Force=0");
+    Line("TargetDir=", steps_.project_directory);
+    Line("SetupName=", application_.project.name);
+    for (const std::string& info : steps_.info.german) Line("SetupDesc0=", info);
+    for (const std::string& info : steps_.info.english) Line("SetupDesc1=", info);
+    Line("MaxBytes=", steps_.total_bytes_label);
+    Line("MaxDisk=", steps_.disks_needed_label);
+  }
+
+  void WriteDirectoryVariables() {
+    const std::string& main_directory = steps_.tavix_directory;
+    Line("SetVar(TavixMainDir|", main_directory, ")");
+    // Kept on purpose: on the target computer the studio lies in the main directory itself.
+    Line("SetVar(TavixStudioDir|", main_directory, ")");
+    Line("SetVar(TavixCommonDir|", main_directory, "\\Common)");
+    Line("SetVar(ProjectDir|", steps_.project_directory, ")");
+    // Kept on purpose: the number is the row's, not that of its name in the list. They differ once
+    // a row before it has been deleted.
+    for (std::size_t i = 0; i < steps_.user_directories.size(); ++i) {
+      Line("SetVar(UserDir", std::to_string(i + 1), "|", steps_.user_directories[i].directory, ")");
+    }
+  }
+
+  void WriteProductEntries() {
+    Line(kWriteVendorValue, "MAINDIR|<TavixMainDir>|1)");
+    Line(kWriteVendorValue, "Common|<TavixCommonDir>|1)");
+    Line(kWriteVendorValue, "OPC|<TavixMainDir>\\OPC|1)");
+    Line(kWriteStudioValue, "Path|<TavixStudioDir>|1)");
+    // Kept on purpose: German, whatever language the setup runs in.
+    Line(kWriteStudioValue, "LCID|1031|3)");
+  }
+
+  // Installs and runs the predefined runtime setups among the first two rows. Returns for every row
+  // whether it was installed here; all others are ordinary files, also a first row before a second
+  // that is a runtime setup.
+  std::vector<bool> WriteRuntimeSetups() {
+    std::vector<bool> installed(files_.size(), false);
+    if (!application_.use_runtime_setup) return installed;
+    for (std::size_t i = 0; i < files_.size() && i < 2; ++i) {
+      const ScriptFile& file = files_[i];
+      if (!EqualNoCase(file.name, "TXSRuntimeClientSetup.exe") &&
+          !EqualNoCase(file.name, "TXSRuntimeServerSetup.exe")) {
+        continue;
+      }
+      installed[i] = true;
+      Line(kWriteStudioValue, "RuntimeSetup|0|3)");
+      WriteInstallFile(file);
+      Line("ExecFile(<TavixMainDir>\\SetupKit\\", file.name, "|0|/S)");
+      Line("If(IsEqual(ReadRegistry(HKEY_LOCAL_MACHINE|",
+           "Software\\ORBEKA GmbH\\Tavix\\4.0|RuntimeSetup|0)|2))");
+      Line(
+          "  "
+          "WriteRegistry(HKEY_CURRENT_USER|Software\\Microsoft\\Windows\\CurrentVersion\\RunOnce|",
+          "TavixStudio Setup|<AppDir>\\Setup.exe|1)");
+      Line("  SetVar(Reboot|1)");
+      Line("  Exit");
+      Line("EndIf");
+    }
+    return installed;
+  }
+
+  void WriteInstallFile(const ScriptFile& file) {
+    const FileTime last_write = application_.platform.files.LastWriteTime(file.path);
+    const std::string version = application_.platform.tools.FileVersionText(file.path);
+    const std::string date = DateText(application_.platform.clock.ToLocal(last_write));
+    const std::string length =
+        file.row->length_bytes ? std::to_string(*file.row->length_bytes) : std::string();
+    Line("InstallFile(", file.row->compressed_name, "|", file.row->destination, "\\", file.name,
+         "|", length, "|", date, "|", version, "|2|0", file.row->disk, ")");
+  }
+
+  void WriteRegistrations() {
+    for (const ScriptFile& file : files_) {
+      const std::string& kind = file.row->registration;
+      if (kind == "1") {
+        Line("RegInProc(", file.row->destination, "\\", file.name, ")");
+      } else if (kind == "2") {
+        Line("RegOutProc(", file.row->destination, "\\", file.name, ")");
+      }
+    }
+  }
+
+  void WriteExtraEntries() {
+    for (const std::string& entry : application_.document.extra_todo_lines) {
+      std::string_view rest = entry;
+      for (;;) {
+        const std::size_t end = rest.find('@');
+        Line(rest.substr(0, end));
+        if (end == std::string_view::npos) break;
+        rest.remove_prefix(end + 1);
+      }
+    }
+  }
+
+  void WriteStartEntries() {
+    std::string working_directory;
+    switch (application_.project.type) {
+      case kProjectTypeServer:
+        working_directory = "<TavixStudioDir>\\System";
+        Line(kWriteStudioValue, "Actual Project|", application_.project.name, "|1)");
+        Line(kWriteStudioValue, "AutoStart|1|3)");
+        break;
+      case kProjectTypeSingle:
+      case kProjectTypeClient:
+        working_directory = "<ProjectDir>";
+        break;
+      default:
+        // Kept on purpose: the link's target then begins with "\".
+        break;
+    }
+    WriteShellLink("0", steps_.startmenu_folder.german, steps_.startmenu_link.german,
+                   working_directory);
+    WriteShellLink("1", steps_.startmenu_folder.english, steps_.startmenu_link.english,
+                   working_directory);
+  }
+
+  void WriteShellLink(std::string_view language, const std::string& folder, const std::string& link,
+                      const std::string& working_directory) {
+    if (folder.empty() || link.empty()) return;
+    Line("If(IsEqual(<Language>|", language, "))");
+    Line("  CreateShellLink(", working_directory, "\\", application_.document.program_name,
+         "|<ProgramsDir>\\", folder, "\\", link, "|", working_directory, ")");
+    Line("EndIf");
+  }
+
+  Application& application_;
+  const StepSettings& steps_;
+  std::vector<ScriptFile> files_;
+  std::string text_;
+};
+
+}  // namespace
+
+std::string SetupControlText(Application& application) { return ScriptWriter(application).Write(); }
+
+bool WriteSetupControlFile(Application& application, CreateView& view, const CreateState& state) {
+  return AtStageBorder(application, kMessageControlFile, kScriptName, [&] {
+    view.ShowFile(kScriptName);
+    view.ShowAction(application.texts.GetText(kTextWriting));
+    if (CancelledMeanwhile(view)) return false;
+
+    const BusyPointer busy(view);
+    // Complete and converted before the file is opened: a file that vanished or a character that
+    // the code page lacks leaves the placeholder, not half a script.
+    const std::string bytes = Utf8ToAnsi(SetupControlText(application));
+    const std::unique_ptr<OutputFile> file = application.platform.files.CreateForWriting(
+        JoinPath(state.first_disk_directory, kScriptName));
+    file->Write(std::as_bytes(std::span(bytes)));
+    file->Close();
+    return true;
+  });
+}
+
+std::string FullMdacEntry() {
+  return "ExecFile(<TempDir>\\mdac_typ.exe|0|/q:a|/c:\"setup.exe /qt\")"
+         "@DeleteFile(<TempDir>\\mdac_typ.exe)"
+         "@SetVar(Reboot|1)";
+}
+
+std::string MinimalMdacEntry() {
+  return "ExecFile(<TempDir>\\Mdac_min.exe|0|/S)"
+         "@DeleteFile(<TempDir>\\Mdac_min.exe)"
+         "@SetVar(Reboot|1)";
+}
+
+}  // namespace txs
