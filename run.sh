@@ -14,7 +14,7 @@ set -eu
 cd "$(dirname "$0")"
 
 project='Mischanlage Süd'
-build=build/core
+build=build/run
 studio=$PWD/build/run-studio
 
 command=${1:-show}
@@ -35,8 +35,8 @@ esac
 tools/install_packages.sh build
 mkdir -p build
 {
-  cmake --preset core > build/run.log 2>&1 &&
-    cmake --build --preset core --target TXSetupWizard TXSetupTool make_sample_binaries \
+  cmake --preset core -B "$build" -D TXS_TESTS=OFF -D TXS_BENCHMARKS=OFF > build/run.log 2>&1 &&
+    cmake --build "$build" --target TXSetupWizard TXSetupTool make_sample_binaries \
       >> build/run.log 2>&1
 } || {
   cat build/run.log >&2
