@@ -1,0 +1,39 @@
+// An archiver that works, until a test tells it to fail for one source or to leave a wrong archive.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "environment/archiver.h"
+#include "environment/code_page.h"
+
+namespace txs {
+
+class FailingArchiver : public Archiver {
+ public:
+  explicit FailingArchiver(Archiver& working) : working_(working) {}
+
+  // Compressing this source gives this code; kSuccess means success without making an archive.
+  void FailFor(std::string_view source_path, ArchiveResult code) {
+    failures_[FoldCase(source_path)] = code;
+  }
+
+  // Called before every compression, with archive and source path.
+  std::function<void(std::string_view, std::string_view)> before;
+
+  [[nodiscard]] ArchiveResult Compress(std::string_view archive_path,
+                                       std::string_view source_path) override {
+    if (before) before(archive_path, source_path);
+    const auto failure = failures_.find(FoldCase(source_path));
+    if (failure != failures_.end()) return failure->second;
+    return working_.Compress(archive_path, source_path);
+  }
+
+ private:
+  Archiver& working_;
+  std::map<std::string, ArchiveResult> failures_;
+};
+
+}  // namespace txs

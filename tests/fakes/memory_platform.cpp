@@ -1,0 +1,48 @@
+#include "fakes/memory_platform.h"
+
+#include "environment/archiver_builtin.h"
+#include "environment/installation.h"
+#include "environment/windows_path.h"
+
+namespace txs {
+
+MemoryPlatform::MemoryPlatform()
+    : profiles(files),
+      tools(registry, files, profiles, folders),
+      built_in_archiver_(MakeBuiltInArchiver(files, clock)),
+      archiver(*built_in_archiver_),
+      platform_{registry,
+                files,
+                profiles,
+                folders,
+                tools,
+                archiver,
+                clock,
+                message_boxes,
+                [this]() -> std::unique_ptr<ProjectConfigurator> {
+                  if (!configurator_available) return nullptr;
+                  return MakeBuiltInConfigurator(tools);
+                }} {}
+
+void MemoryPlatform::InstallStudio() {
+  registry.Write(Hive::kLocalMachine, kVendorKey, "MainDir", "C:\\TavixStudio");
+  registry.Write(Hive::kLocalMachine, kVendorKey, "Common", "C:\\TavixStudio\\Common");
+  registry.Write(Hive::kLocalMachine, kStudioKey, "LCID", std::uint32_t{1031});
+  registry.Write(Hive::kLocalMachine, kStudioKey, "Path", "C:\\TavixStudio\\Studio");
+  registry.Write(Hive::kLocalMachine, kStudioKey, "Version", "4.0.12");
+  files.AddFolder("C:\\TavixStudio\\Studio");
+  files.AddFolder("C:\\TavixStudio\\Common");
+  files.AddFolder("C:\\TavixStudio\\SetupKit");
+  files.AddFile("C:\\TavixStudio\\SetupKit\\TXSTPKIT.INI", "[SetupFiles]\r\nCount=0\r\n");
+}
+
+void MemoryPlatform::RegisterProject(std::string_view name, std::string_view directory,
+                                     std::string_view type) {
+  const std::string key = std::string(kProjectsKey) + "\\" + std::string(name);
+  registry.Write(Hive::kLocalMachine, key, "Path", std::string(directory));
+  registry.Write(Hive::kLocalMachine, key, "ProjectType", std::string(type));
+  const bool is_group = type == "32" || type == "Group";
+  files.AddFile(JoinPath(directory, std::string(name) + (is_group ? ".vbg" : ".txs")), "");
+}
+
+}  // namespace txs

@@ -1,0 +1,51 @@
+// A whole computer in memory: the platform of a test, in one line.
+//
+//   MemoryPlatform world;
+//   world.files.AddFile("C:\\Demo\\Demo.txs", "");
+//   Application application{world.Get(), messages, TextService(1031), ...};
+#pragma once
+
+#include <memory>
+
+#include "environment/platform.h"
+#include "fakes/failing_archiver.h"
+#include "fakes/fixed_clock.h"
+#include "fakes/fixed_special_folders.h"
+#include "fakes/memory_file_system.h"
+#include "fakes/memory_registry.h"
+#include "fakes/scripted_message_boxes.h"
+
+namespace txs {
+
+class MemoryPlatform {
+ public:
+  MemoryPlatform();
+
+  MemoryFileSystem files;
+  MemoryRegistry registry;
+  FixedClock clock;
+  FixedSpecialFolders folders;
+  ScriptedMessageBoxes message_boxes;
+  ProfileFiles profiles;
+  SystemTools tools;
+
+ private:
+  std::unique_ptr<Archiver> built_in_archiver_;
+
+ public:
+  FailingArchiver archiver;
+  bool configurator_available = true;
+
+  [[nodiscard]] Platform& Get() { return platform_; }
+
+  // The registry of a usable studio: C:\TavixStudio with its folders, in German.
+  void InstallStudio();
+
+  // Registers a project and makes its project file. `directory` is stored as given.
+  void RegisterProject(std::string_view name, std::string_view directory, std::string_view type);
+
+ private:
+  Platform platform_;
+};
+
+}  // namespace txs

@@ -1,0 +1,39 @@
+// A registry in memory. Subkeys keep the order in which they were made, with the spelling they were
+// made with.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "environment/registry.h"
+#include "environment/runtime_error.h"
+
+namespace txs {
+
+class MemoryRegistry : public Registry {
+ public:
+  // While set, Write and RemoveKey throw this.
+  std::optional<ErrorNumber> refuse_changes;
+
+  [[nodiscard]] std::optional<RegistryValue> Read(Hive hive, std::string_view key,
+                                                  std::string_view name) const override;
+  void Write(Hive hive, std::string_view key, std::string_view name,
+             const RegistryValue& value) override;
+  [[nodiscard]] std::vector<std::string> Subkeys(Hive hive, std::string_view key) const override;
+  void RemoveKey(Hive hive, std::string_view key) override;
+
+ private:
+  struct Key {
+    std::map<std::string, RegistryValue> values;  // by folded name
+    std::vector<std::string> subkeys;             // as spelled
+  };
+
+  Key& Make(Hive hive, std::string_view key);
+
+  std::map<std::string, Key> keys_;  // by hive and folded path
+};
+
+}  // namespace txs
