@@ -30,9 +30,9 @@ namespace {
 
 // Level 6 of both libraries: beyond it time grows much faster than archives shrink.
 constexpr int kLevel = 6;
-constexpr std::size_t kStreamBytes = 256 * 1024;
+constexpr std::size_t kStreamBytes = std::size_t{256} << 10;
 // Buffers of small files are kept from one archive to the next.
-constexpr std::size_t kKeptBytes = 4 << 20;
+constexpr std::size_t kKeptBytes = std::size_t{4} << 20;
 
 // Memory that is not cleared before it is filled.
 class Buffer {

@@ -184,7 +184,7 @@ std::string Surroundings(std::string_view text, std::size_t at) {
 using ReverseTable = std::array<std::pair<char16_t, char>, 128>;
 
 const ReverseTable& Reverse() {
-  static const ReverseTable table = [] {
+  static const ReverseTable kTable = [] {
     ReverseTable result{};
     for (std::size_t i = 0; i < result.size(); ++i) {
       result[i] = {SystemCodePage()[128 + i], static_cast<char>(128 + i)};
@@ -192,7 +192,7 @@ const ReverseTable& Reverse() {
     std::sort(result.begin(), result.end());
     return result;
   }();
-  return table;
+  return kTable;
 }
 
 }  // namespace

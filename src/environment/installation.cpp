@@ -38,7 +38,7 @@ std::string ProjectsDirectory(SystemTools& tools, FileSystem& files, const std::
   }
   // Without a documents folder the path would begin at the root of whatever drive is current.
   if (documents.empty()) return {};
-  const std::string usual = documents + "\\TavixStudio\\Projects";
+  std::string usual = documents + "\\TavixStudio\\Projects";
   if (!MadeFolder(files, usual)) return {};
   try {
     tools.WriteRegistry(Hive::kCurrentUser, kStudioKey, kProjectsPathValue, usual);
@@ -49,8 +49,7 @@ std::string ProjectsDirectory(SystemTools& tools, FileSystem& files, const std::
 }
 
 std::string TemplatesDirectory(const SystemTools& tools, const std::string& documents) {
-  const std::string registered =
-      tools.RegistryText(Hive::kCurrentUser, kStudioKey, "TemplatesPath", "");
+  std::string registered = tools.RegistryText(Hive::kCurrentUser, kStudioKey, "TemplatesPath", "");
   if (!registered.empty() || documents.empty()) return registered;
   return documents + "\\TavixStudio\\Templates";
 }

@@ -1,7 +1,6 @@
 #include "environment/archiver_builtin.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 #include <zip.h>
 
 #include <cstdlib>
@@ -17,6 +16,7 @@
 
 #include "environment/runtime_error.h"
 #include "fakes/memory_file_system.h"
+#include "fakes/temp_folder.h"
 
 namespace txs {
 namespace {
@@ -56,26 +56,20 @@ Unpacked Unpack(const std::string& bytes) {
   return result;
 }
 
-// Archive bytes on disk for the command-line programs; removed at the end.
+// Archive bytes on disk for the command-line programs.
 class DiskCopy {
  public:
-  explicit DiskCopy(const std::string& bytes) {
-    std::string pattern = (std::filesystem::temp_directory_path() / "archiver-XXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
-    std::ofstream(Path(), std::ios::binary) << bytes;
-  }
-  DiskCopy(const DiskCopy&) = delete;
-  DiskCopy& operator=(const DiskCopy&) = delete;
-  ~DiskCopy() { std::filesystem::remove_all(folder_); }
+  explicit DiskCopy(const std::string& bytes) { std::ofstream(Path(), std::ios::binary) << bytes; }
 
-  [[nodiscard]] std::filesystem::path Path() const { return folder_ / "archive.zip"; }
-
+  // The program's exit code.
   [[nodiscard]] int Run(const std::string& command) const {
     return std::system((command + " '" + Path().string() + "' > /dev/null 2>&1").c_str());
   }
 
  private:
-  std::filesystem::path folder_;
+  [[nodiscard]] std::filesystem::path Path() const { return folder_.Path() / "archive.zip"; }
+
+  TempFolder folder_;
 };
 
 std::string Repeating(std::size_t size) {
@@ -515,6 +509,34 @@ TEST_P(ArchiverFailureTest, ADiskThatIsFullOnlyAtClosingIsTold) {
 TEST_P(ArchiverFailureTest, MemoryThatRunsOutIsTold) {
   files_.out_of_memory = true;
   EXPECT_EQ(Result(), ArchiveResult::kOutOfMemory);
+}
+
+TEST(ArchiverFailures, WhicheverOperationFailsNoArchiveIsLeftBehind) {
+  const WallClock clock;
+  for (const std::uint64_t whole_file_bytes : {2'000'000u, 1000u}) {
+    for (const std::string& bytes : {Repeating(700'000), Noise(700'000, 9)}) {
+      ArchiveResult result = ArchiveResult::kUnexpected;
+      std::uint64_t failing = 0;
+      while (result != ArchiveResult::kSuccess) {
+        ASSERT_LT(++failing, 100u);
+        MemoryFileSystem files;
+        files.AddFile(kSource, bytes);
+        files.AddFile(kArchive, "an older archive");
+        files.FailOperation(failing, ErrorNumber::kDeviceIo);
+
+        result = MakeBuiltInArchiver(files, clock, {.whole_file_bytes = whole_file_bytes})
+                     ->Compress(kArchive, kSource);
+
+        if (result == ArchiveResult::kSuccess) {
+          EXPECT_EQ(Unpack(files.Contents(kArchive)).bytes, bytes);
+        } else {
+          EXPECT_FALSE(files.Has(kArchive)) << failing;
+        }
+        EXPECT_EQ(files.Contents(kSource), bytes);
+      }
+      EXPECT_GT(failing, 5u);  // open, time, read, create, write, close
+    }
+  }
 }
 
 TEST_F(ArchiverTest, AnOlderArchiveIsReplaced) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "environment/runtime_error.h"
+#include "fakes/fixed_special_folders.h"
 #include "fakes/memory_file_system.h"
 #include "fakes/memory_registry.h"
 
@@ -12,23 +13,16 @@ namespace {
 constexpr char kShellFolders[] =
     "Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders";
 
-class NoFolders : public SpecialFolders {
- public:
-  std::string Folder(SpecialFolder) const override { return {}; }
-};
-
-// A registry that can be read only, and one that counts what is written.
+// Counts what is written.
 class WatchedRegistry : public MemoryRegistry {
  public:
   void Write(Hive hive, std::string_view key, std::string_view name,
              const RegistryValue& value) override {
     ++writes;
-    if (read_only) throw RuntimeError(ErrorNumber::kPermissionDenied, std::string(key));
     MemoryRegistry::Write(hive, key, name, value);
   }
 
   int writes = 0;
-  bool read_only = false;
 };
 
 class InstallationTest : public testing::Test {
@@ -40,8 +34,8 @@ class InstallationTest : public testing::Test {
     Set(Hive::kLocalMachine, kVendorKey, "MainDir", "C:\\TavixStudio");
     Set(Hive::kLocalMachine, kVendorKey, "Common", "C:\\TavixStudio\\Common");
     Set(Hive::kCurrentUser, kShellFolders, "Personal", "C:\\Users\\me\\Documents");
-    files_.MakeFolder("C:\\TavixStudio\\Studio");
-    files_.MakeFolder("C:\\Users\\me\\Documents");
+    files_.AddFolder("C:\\TavixStudio\\Studio");
+    files_.AddFolder("C:\\Users\\me\\Documents");
   }
 
   void Set(Hive hive, const char* key, const char* name, const RegistryValue& value) {
@@ -58,7 +52,7 @@ class InstallationTest : public testing::Test {
   WatchedRegistry registry_;
   MemoryFileSystem files_;
   ProfileFiles profiles_{files_};
-  NoFolders folders_;
+  FixedSpecialFolders folders_;
   SystemTools tools_{registry_, files_, profiles_, folders_};
 };
 
@@ -154,7 +148,7 @@ TEST_F(InstallationTest, ARegisteredProjectsFolderThatIsMissingIsCreated) {
 }
 
 TEST_F(InstallationTest, ARegisteredProjectsFolderThatCannotBeCreatedLeavesTheDirectoryEmpty) {
-  files_.ReplaceWhole("C:\\Users\\file", "in the way");
+  files_.AddFile("C:\\Users\\file", "in the way");
   Set(Hive::kCurrentUser, kStudioKey, "DefaultProjectsPath", "C:\\Users\\file\\Projects");
 
   const EnvironmentCheck check = Check();
@@ -165,7 +159,7 @@ TEST_F(InstallationTest, ARegisteredProjectsFolderThatCannotBeCreatedLeavesTheDi
 }
 
 TEST_F(InstallationTest, ADefaultProjectsFolderThatCannotBeCreatedIsNotRegistered) {
-  files_.ReplaceWhole("C:\\Users\\me\\Documents\\TavixStudio", "in the way");
+  files_.AddFile("C:\\Users\\me\\Documents\\TavixStudio", "in the way");
 
   const EnvironmentCheck check = Check();
 
@@ -175,7 +169,7 @@ TEST_F(InstallationTest, ADefaultProjectsFolderThatCannotBeCreatedIsNotRegistere
 }
 
 TEST_F(InstallationTest, ARegistryThatCannotBeWrittenDoesNotStopTheStart) {
-  registry_.read_only = true;
+  registry_.refuse_changes = ErrorNumber::kPermissionDenied;
 
   const EnvironmentCheck check = Check();
 

@@ -3,16 +3,12 @@
 #include <gtest/gtest.h>
 
 #include "environment/runtime_error.h"
+#include "fakes/fixed_special_folders.h"
 #include "fakes/memory_file_system.h"
 #include "fakes/memory_registry.h"
 
 namespace txs {
 namespace {
-
-class NoFolders : public SpecialFolders {
- public:
-  std::string Folder(SpecialFolder) const override { return {}; }
-};
 
 class ProjectConfiguratorTest : public testing::Test {
  protected:
@@ -21,7 +17,7 @@ class ProjectConfiguratorTest : public testing::Test {
   MemoryRegistry registry_;
   MemoryFileSystem files_;
   ProfileFiles profiles_{files_};
-  NoFolders folders_;
+  FixedSpecialFolders folders_;
   SystemTools tools_{registry_, files_, profiles_, folders_};
 };
 

@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "environment/runtime_error.h"
+#include "fakes/fixed_special_folders.h"
 #include "fakes/memory_file_system.h"
 #include "fakes/memory_registry.h"
 
@@ -19,13 +20,6 @@ using testing::IsEmpty;
 constexpr char kIni[] = "C:\\Demo\\x.ini";
 constexpr char kKey[] = "Software\\Test";
 
-class OneFolder : public SpecialFolders {
- public:
-  std::string Folder(SpecialFolder folder) const override {
-    return folder == SpecialFolder::kFonts ? "C:\\Windows\\Fonts" : "";
-  }
-};
-
 class SystemToolsTest : public testing::Test {
  protected:
   SystemToolsTest() { files_.MakeFolder("C:\\Demo"); }
@@ -33,7 +27,7 @@ class SystemToolsTest : public testing::Test {
   MemoryRegistry registry_;
   MemoryFileSystem files_;
   ProfileFiles profiles_{files_};
-  OneFolder folders_;
+  FixedSpecialFolders folders_;
   SystemTools tools_{registry_, files_, profiles_, folders_};
 };
 
@@ -123,7 +117,7 @@ TEST_F(SystemToolsTest, AWrittenKeyIsReadBackAndARemovedSectionIsGone) {
 
 TEST_F(SystemToolsTest, SpecialFoldersComeFromThePlatform) {
   EXPECT_EQ(tools_.Folder(SpecialFolder::kFonts), "C:\\Windows\\Fonts");
-  EXPECT_EQ(tools_.Folder(SpecialFolder::kSystem), "");
+  EXPECT_EQ(tools_.Folder(SpecialFolder::kSystem), "C:\\Windows\\System32");
 }
 
 TEST_F(SystemToolsTest, TheApplicationTellsAboutItselfAtStart) {

@@ -153,7 +153,8 @@ std::string NeImage() {
   Put16(image, table, kNeShift);
   Put16(image, table + 2, 0x8003);  // icons
   Put16(image, table + 4, 2);
-  const std::size_t versions = table + 10 + 2 * 12;
+  constexpr std::size_t kTwoIcons = 24;
+  const std::size_t versions = table + 10 + kTwoIcons;
   Put16(image, versions, 0x8010);
   Put16(image, versions + 2, 1);
   Put16(image, versions + 8, 0x400 >> kNeShift);
