@@ -33,12 +33,12 @@ struct Application {
   MessageService& messages;
   TextService texts;
   InstallationSettings installation;
-  std::unique_ptr<ProjectConfigurator> configurator;  // never null once the start routine is through
+  std::unique_ptr<ProjectConfigurator> configurator;  // never null once the start routine is past
   CurrentProject project;
   SetupDocument document;
-  bool unattended = false;         // `UnattendedMode`: set only by the switch /c=
-  bool use_runtime_setup = true;   // `UseRuntimeSetup`
-  bool hide_mdac_hint = false;     // `HideMdacHint`
+  bool unattended = false;        // `UnattendedMode`: set only by the switch /c=
+  bool use_runtime_setup = true;  // `UseRuntimeSetup`
+  bool hide_mdac_hint = false;    // `HideMdacHint`
 
   // \SetupKit\TXDependencies.ini under the main directory.
   [[nodiscard]] std::string ProductDependencyFile() const {

@@ -1,6 +1,6 @@
 // Front door of `document`: the setup document (file list and companions, path variables, step
-// settings), its settings file and its checks, and the Application that holds the process-wide state.
-// Promises: knows no form and no run; a failed save never harms the settings file.
+// settings), its settings file and its checks, and the Application that holds the process-wide
+// state. Promises: knows no form and no run; a failed save never harms the settings file.
 #pragma once
 
 #include "document/application.h"

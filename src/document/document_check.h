@@ -5,14 +5,21 @@
 
 namespace txs {
 
-enum class Step : int { kAll = 0, kTexts = 1, kDirectories = 2, kFunctions = 3, kFiles = 4, kMedium = 5 };
+enum class Step : int {
+  kAll = 0,
+  kTexts = 1,
+  kDirectories = 2,
+  kFunctions = 3,
+  kFiles = 4,
+  kMedium = 5
+};
 
 // Checks what belongs to `step`, or everything in the order of the steps: background pictures exist
 // (1707), the two destination directories are given (1708), directory names begin with a drive
 // (1712), every listed source file exists (1709), every row has a destination (1710). The first
 // failure shows its message, marks the rows concerned, and returns false. On the way every row's
-// length is taken afresh from its source file, and the step-5 figures (count, bytes, disks) with it.
-// Never throws.
+// length is taken afresh from its source file, and the step-5 figures (count, bytes, disks) with
+// it. Never throws.
 [[nodiscard]] bool CheckDocument(Application& application, Step step);
 
 // Takes the figures of step 5 from the rows: count, bytes, and the estimate of the disks needed.

@@ -1,7 +1,7 @@
 // The file list: one row for every file that the installation will carry to the target computer.
 //
-// Rows count from 1, columns from 1 to 6, as the settings file, the grid and the messages count them.
-// Two lists of this shape exist, the visible one and the hidden one.
+// Rows count from 1, columns from 1 to 6, as the settings file, the grid and the messages count
+// them. Two lists of this shape exist, the visible one and the hidden one.
 #pragma once
 
 #include <cstddef>
@@ -47,7 +47,8 @@ class FileList {
   // The cell as the grid shows it; an unset length is "".
   [[nodiscard]] std::string Cell(std::size_t row, FileColumn column) const;
 
-  // Takes an edit of the grid. A length that is no whole number becomes unset.
+  // Takes an edit of the grid, which also takes the row's mark away. A length that is no whole
+  // number becomes unset. Row numbers as for Row().
   void SetCell(std::size_t row, FileColumn column, std::string_view text);
 
   // `FindInFileList`: first row whose cell equals `value` without regard to case; 0 when none does.
@@ -69,8 +70,8 @@ class FileList {
   std::vector<FileRow> rows_;
 };
 
-// `AddUnique`: appends `text` unless an element equals it without regard to case. Returns whether it
-// was appended.
+// `AddUnique`: appends `text` unless an element equals it without regard to case. Returns whether
+// it was appended.
 bool AddUnique(std::vector<std::string>& list, std::string_view text);
 
 // `SystemFileNames`: bare names that are never listed because every target computer has them.

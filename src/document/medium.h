@@ -13,6 +13,7 @@ inline constexpr std::uint64_t kUnlimitedBytes = 2147483647;
 
 // Archives are assumed to take two thirds of the listed files: total / 1.5, rounded, divided by the
 // medium, plus 1, rounded; both roundings send halves to the even neighbour. 0 bytes need 1 disk.
+// Exact for every total; `medium_bytes` is at least 1.
 [[nodiscard]] std::uint64_t EstimateDisksNeeded(std::uint64_t total_bytes,
                                                 std::uint64_t medium_bytes);
 

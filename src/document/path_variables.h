@@ -34,14 +34,16 @@ enum class VariableForm {
 // Sets the value of the variable, appending it when the list has none of that name.
 void SetPathVariable(PathVariableList& variables, std::string_view name, std::string_view value);
 
-// Replaces the directory prefix of `path` by the first variable whose value it begins with, compared
-// without regard to case. Kept on purpose: no longest match, no check that the match ends at a
-// backslash, and an empty value matches every directory.
+// Replaces the directory prefix of `path` by the first variable whose value it begins with,
+// compared without regard to case. Kept on purpose: no longest match, no check that the match ends
+// at a backslash, and an empty value matches every directory.
 [[nodiscard]] std::string ToVariableForm(const PathVariableList& variables, std::string_view path,
                                          VariableForm form);
 
 // Replaces every occurrence of every variable's name by its value, one variable after the other in
-// list order, without regard to case. Unknown names stay.
+// list order, without regard to case. Unknown names stay. A value that holds names of variables
+// further down the list is resolved in turn, its own name is not. Throws RuntimeError kOutOfMemory
+// when values that name each other make the text grow by more than 16 MiB.
 [[nodiscard]] std::string FromVariableForm(const PathVariableList& variables,
                                            std::string_view text);
 

@@ -8,20 +8,21 @@ namespace txs {
 
 // Fills document and steps from the file of the current project; lists that the document held are
 // replaced. Absent file, section or key: the default. The path variables must be built before.
-// Throws RuntimeError when the file exists and cannot be read; the document then holds the defaults.
+// Throws RuntimeError when the file exists and cannot be read; the document then holds the
+// defaults.
 void ReadSettings(Application& application);
 
 // Writes steps and document to the file and clears the changed flag. Atomic: on failure the file is
-// the old one, byte for byte, and the flag stays. Unknown keys, comments, order, the hidden sections
-// and `ServicePack` stay as they are. Throws RuntimeError, also kInvalidCall with the row's number
-// for a source or destination that holds a comma, which separates the fields.
+// the old one, byte for byte, and the flag stays. Unknown keys, comments, order, the hidden
+// sections and `ServicePack` stay as they are. Throws RuntimeError, also kInvalidCall with the
+// row's number for a source or destination that holds a comma, which separates the fields.
 void WriteSettings(Application& application);
 
 // Sets document and steps to the defaults; writes nothing. Path variables stay.
 void ClearSettings(Application& application);
 
-// Brings the path variables <UserDirN> in line with the user-directory list of step 2, and <TempDir>
-// with the temporary directory of the current project.
+// Brings the path variables <UserDirN> in line with the user-directory list of step 2, and
+// <TempDir> with the temporary directory of the current project.
 void ExtendPathVariables(Application& application);
 
 }  // namespace txs

@@ -1,5 +1,5 @@
-// The setup document: what the wizard edits, the settings file stores, Scan fills and Create builds.
-// One per process, kept in Application.
+// The setup document: what the wizard edits, the settings file stores, Scan fills and Create
+// builds. One per process, kept in Application.
 #pragma once
 
 #include <functional>

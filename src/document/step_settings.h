@@ -1,5 +1,5 @@
-// What the controls of the five steps hold: the model of the main form. An unattended run works on it
-// without a form; the form binds to it both ways.
+// What the controls of the five steps hold: the model of the main form. An unattended run works on
+// it without a form; the form binds to it both ways.
 #pragma once
 
 #include <array>
@@ -37,27 +37,27 @@ enum class FormDesigner {
 
 struct StepSettings {
   // Step 1
-  Bilingual<std::array<std::string, 3>> info;         // txtInfo 11 to 13, 21 to 23
-  Bilingual<std::string> background_picture;          // txtBackgroundPicture 1, 2
-  Bilingual<std::string> startmenu_folder;            // txtStartmenuFolder 1, 2
-  Bilingual<std::string> startmenu_link;              // txtStartmenuLink 1, 2
+  Bilingual<std::array<std::string, 3>> info;  // txtInfo 11 to 13, 21 to 23
+  Bilingual<std::string> background_picture;   // txtBackgroundPicture 1, 2
+  Bilingual<std::string> startmenu_folder;     // txtStartmenuFolder 1, 2
+  Bilingual<std::string> startmenu_link;       // txtStartmenuLink 1, 2
   // Step 2
-  std::string tavix_directory;                        // txtTavixDirectory, <TavixMainDir>
-  std::string project_directory;                      // txtProjectDirectory, <ProjectDir>
-  std::vector<UserDirectory> user_directories;        // lvwUserDirectories, in list order
+  std::string tavix_directory;                  // txtTavixDirectory, <TavixMainDir>
+  std::string project_directory;                // txtProjectDirectory, <ProjectDir>
+  std::vector<UserDirectory> user_directories;  // lvwUserDirectories, in list order
   // Step 3
-  bool use_jet = false;                               // chkVB5dbUseJet
-  bool use_odbc = false;                              // chkVB5dbUseODBC
+  bool use_jet = false;   // chkVB5dbUseJet
+  bool use_odbc = false;  // chkVB5dbUseODBC
   FormDesigner designer = FormDesigner::kOther;
   // Step 5
-  long disk_size_index = 0;                           // optDiskSize: 0 diskette, 1 "All"
-  std::string setup_directory;                        // txtSetupDirectory, in path-variable form
-  bool minimal_mdac = false;                          // chkMinimalMDAC
-  bool service_pack = false;                          // chkServicePack
-  std::string file_count_label;                       // digits only; "" until first computed
-  std::string total_bytes_label;                      // digits only; "" until first computed
-  std::string disks_needed_label;                     // digits only; "" until first computed
-  bool disks_needed_is_estimate = true;               // the mark "(approx.)" is shown
+  long disk_size_index = 0;              // optDiskSize: 0 diskette, 1 "All"
+  std::string setup_directory;           // txtSetupDirectory, in path-variable form
+  bool minimal_mdac = false;             // chkMinimalMDAC
+  bool service_pack = false;             // chkServicePack
+  std::string file_count_label;          // digits only; "" until first computed
+  std::string total_bytes_label;         // digits only; "" until first computed
+  std::string disks_needed_label;        // digits only; "" until first computed
+  bool disks_needed_is_estimate = true;  // the mark "(approx.)" is shown
 
   bool operator==(const StepSettings&) const = default;
 };

@@ -12,8 +12,8 @@ namespace txs {
 // A registered project as the registry holds it.
 struct RegisteredProject {
   std::string name;
-  std::string directory;     // value `Path`, as stored
-  std::string type_text;     // value `ProjectType`, as stored: a number or a name
+  std::string directory;  // value `Path`, as stored
+  std::string type_text;  // value `ProjectType`, as stored: a number or a name
   long type = 0;
   std::string project_file;  // directory, name and ".vbg" for a group, ".txs" for all others
   bool exists = false;
@@ -27,10 +27,10 @@ struct RegisteredProject {
 
 // One row of the Open-Project dialog's list view.
 struct ProjectRow {
-  std::string key;        // "S:" and the name in lower case
+  std::string key;  // "S:" and the name in lower case
   std::string name;
   std::string directory;
-  std::string type;       // the type's name
+  std::string type;  // the type's name
 };
 
 // The list view of the Open-Project dialog, without a window.
@@ -41,9 +41,9 @@ struct ProjectListModel {
 
 // `FillRegisteredProjects`: replaces the rows by the registered projects whose type has a bit in
 // common with `type_mask`. Kept on purpose: a registration whose project file has gone is deleted
-// from the registry as a side effect. A second name that differs only in case is left out, since its
-// key is taken. Afterwards no row is selected. A registration that cannot be deleted stays and is
-// passed over.
+// from the registry as a side effect. A second name that differs only in case is left out, since
+// its key is taken. Afterwards no row is selected. A registration that cannot be deleted stays and
+// is passed over.
 void FillRegisteredProjects(Platform& platform, long type_mask, ProjectListModel& list);
 
 // The state of the Open-Project dialog: which name it would return. The form only forwards events.
@@ -51,8 +51,8 @@ class ProjectChoice {
  public:
   void ClickRow(const ProjectListModel& list, int index);  // -1: empty space of the list
   void CloseByTitleBar() { name_.clear(); }
-  // Cancel hides the dialog without clearing the chosen name, so a row clicked before Cancel is still
-  // returned. Kept on purpose.
+  // Cancel hides the dialog without clearing the chosen name, so a row clicked before Cancel is
+  // still returned. Kept on purpose.
   void Cancel() {}
   [[nodiscard]] bool OpenEnabled() const { return open_enabled_; }
   [[nodiscard]] const std::string& ProjectName() const { return name_; }

@@ -1,0 +1,56 @@
+#include "document/application.h"
+
+namespace txs {
+namespace {
+
+constexpr char kUseRuntimeSetupValue[] = "UseRuntimeSetup";
+constexpr char kHideMdacHintValue[] = "HideMdacHint";
+
+bool ReadOption(const SystemTools& tools, const char* name, bool default_value) {
+  return tools.RegistryNumber(Hive::kCurrentUser, kWizardKey, name, default_value ? 1 : 0) != 0;
+}
+
+std::vector<std::string> ReadExcludedFiles(Application& application) {
+  try {
+    return application.platform.tools.ReadNumberedList("Exclude", /*key_digits=*/1,
+                                                       application.ProductDependencyFile());
+  } catch (const RuntimeError&) {
+    // Without the list more files are packaged than need be, which harms no installation.
+    return {};
+  }
+}
+
+}  // namespace
+
+std::string CurrentProject::StudioProjectFile() const { return directory + "\\" + name + ".txs"; }
+
+std::string CurrentProject::SettingsFile() const { return directory + "\\" + name + ".swz"; }
+
+std::string CurrentProject::TemporaryDirectory() const { return directory + "\\~TEMP"; }
+
+void LoadMainFormState(Application& application) {
+  const SystemTools& tools = application.platform.tools;
+  application.use_runtime_setup = ReadOption(tools, kUseRuntimeSetupValue, /*default_value=*/true);
+  application.hide_mdac_hint = ReadOption(tools, kHideMdacHintValue, /*default_value=*/false);
+
+  SystemFileNames& names = application.document.system_files;
+  names.resolved.clear();
+  names.excluded = ReadExcludedFiles(application);
+}
+
+void StoreUseRuntimeSetup(Application& application, bool use_runtime_setup) {
+  application.platform.tools.WriteRegistry(Hive::kCurrentUser, kWizardKey, kUseRuntimeSetupValue,
+                                           std::uint32_t{use_runtime_setup ? 1u : 0u});
+  application.use_runtime_setup = use_runtime_setup;
+}
+
+void ShowError(Application& application, long id, const std::vector<std::string>& parameters,
+               const RuntimeError& error) {
+  application.messages.ShowMessage(application.texts.ComposeError(id, parameters, error));
+}
+
+void ShowWarning(Application& application, long id, const std::vector<std::string>& parameters) {
+  application.messages.ShowMessage(application.texts.Compose(id, parameters));
+}
+
+}  // namespace txs

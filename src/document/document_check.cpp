@@ -1,0 +1,159 @@
+#include "document/document_check.h"
+
+#include <exception>
+#include <limits>
+#include <new>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "document/medium.h"
+#include "document/path_variables.h"
+#include "environment/code_page.h"
+#include "environment/windows_path.h"
+
+namespace txs {
+namespace {
+
+constexpr long kPictureMissing = 1707;
+constexpr long kDirectoriesMissing = 1708;
+constexpr long kFilesMissing = 1709;
+constexpr long kDestinationsMissing = 1710;
+constexpr long kNoDriveDirectory = 1712;
+
+// A message that is about to be shown, or that comes nearest to an error that interrupts the check.
+struct Finding {
+  long id = 0;
+  std::vector<std::string> parameters;
+};
+
+using Findings = std::optional<Finding>;
+
+bool IsBlank(std::string_view text) { return TrimBlanks(text).empty(); }
+
+// Each check gives the finding that ends it. `doing` always names what is being checked, for the
+// case that the check cannot be finished.
+Findings CheckPictures(Application& application, Finding& doing) {
+  const SetupDocument& document = application.document;
+  const Bilingual<std::string>& pictures = document.steps.background_picture;
+  for (const std::string* picture : {&pictures.german, &pictures.english}) {
+    if (picture->empty()) continue;
+    doing = {kPictureMissing, {*picture}};
+    const std::string path = FromVariableForm(document.path_variables, *picture);
+    if (!application.platform.files.FileExists(path)) return Finding{kPictureMissing, {path}};
+  }
+  return std::nullopt;
+}
+
+Findings CheckDirectories(const StepSettings& steps, Finding& doing) {
+  doing = {kDirectoriesMissing, {}};
+  if (IsBlank(steps.tavix_directory) || IsBlank(steps.project_directory)) return doing;
+
+  const auto check = [](const std::string& directory) -> Findings {
+    if (IsDriveDirectory(directory)) return std::nullopt;
+    return Finding{kNoDriveDirectory, {directory}};
+  };
+  if (Findings finding = check(steps.tavix_directory)) return finding;
+  if (Findings finding = check(steps.project_directory)) return finding;
+  for (const UserDirectory& user : steps.user_directories) {
+    if (Findings finding = check(user.directory)) return finding;
+  }
+  return std::nullopt;
+}
+
+// Takes every row's length and marks the rows whose file is not there. The stamp answers both
+// questions with one call, which counts when the files are many or lie on a server.
+bool MarkMissingFiles(Application& application) {
+  SetupDocument& document = application.document;
+  bool complete = true;
+  for (FileRow* const row : document.AllRows()) {
+    const std::optional<FileStamp> stamp =
+        application.platform.files.Stamp(FromVariableForm(document.path_variables, row->source));
+    row->length_bytes.reset();
+    if (stamp) row->length_bytes = stamp->length_bytes;
+    row->marked = !stamp;
+    complete = complete && stamp;
+  }
+  return complete;
+}
+
+bool MarkMissingDestinations(SetupDocument& document) {
+  bool complete = true;
+  for (FileRow* const row : document.AllRows()) {
+    row->marked = IsBlank(row->destination);
+    complete = complete && !row->marked;
+  }
+  return complete;
+}
+
+Findings CheckFiles(Application& application, Finding& doing) {
+  SetupDocument& document = application.document;
+  document.files.ClearMarks();
+  document.hidden_files.ClearMarks();
+  doing = {kFilesMissing, {}};
+  const bool files_exist = MarkMissingFiles(application);
+  RefreshFigures(application);
+  if (!files_exist) return doing;
+  doing = {kDestinationsMissing, {}};
+  if (!MarkMissingDestinations(document)) return doing;
+  return std::nullopt;
+}
+
+Findings RunCheck(Application& application, Step step, Finding& doing) {
+  const auto concerns = [step](Step part) { return step == Step::kAll || step == part; };
+  if (concerns(Step::kTexts)) {
+    if (Findings finding = CheckPictures(application, doing)) return finding;
+  }
+  if (concerns(Step::kDirectories)) {
+    if (Findings finding = CheckDirectories(application.document.steps, doing)) return finding;
+  }
+  if (concerns(Step::kFiles)) {
+    if (Findings finding = CheckFiles(application, doing)) return finding;
+  }
+  if (step == Step::kMedium) RefreshFigures(application);
+  return std::nullopt;
+}
+
+}  // namespace
+
+bool CheckDocument(Application& application, Step step) {
+  Finding doing{kFilesMissing, {}};
+  // The check is run from event handlers and by Create, neither of which expects an error: what
+  // cannot be checked counts as failed.
+  try {
+    const Findings finding = RunCheck(application, step, doing);
+    if (!finding) return true;
+    ShowWarning(application, finding->id, finding->parameters);
+  } catch (const RuntimeError& error) {
+    ShowError(application, doing.id, doing.parameters, error);
+  } catch (const std::bad_alloc& error) {
+    ShowError(application, doing.id, doing.parameters,
+              RuntimeError(ErrorNumber::kOutOfMemory, error.what()));
+  } catch (const std::exception& error) {
+    ShowError(application, doing.id, doing.parameters,
+              RuntimeError(ErrorNumber::kInternal, error.what()));
+  }
+  return false;
+}
+
+void RefreshFigures(Application& application) {
+  constexpr std::uint64_t kLargest = std::numeric_limits<std::uint64_t>::max();
+  SetupDocument& document = application.document;
+  std::uint64_t count = 0;
+  std::uint64_t bytes = 0;
+  for (const FileRow* const row : document.AllRows()) {
+    ++count;
+    // Lengths can be typed into the grid, so the sum may exceed what any disk holds.
+    const std::uint64_t length = row->length_bytes.value_or(0);
+    bytes = length > kLargest - bytes ? kLargest : bytes + length;
+  }
+  StepSettings& steps = document.steps;
+  steps.file_count_label = std::to_string(count);
+  steps.total_bytes_label = std::to_string(bytes);
+  steps.disks_needed_label =
+      std::to_string(EstimateDisksNeeded(bytes, MediumSizeBytes(steps.disk_size_index)));
+  steps.disks_needed_is_estimate = true;
+}
+
+}  // namespace txs

@@ -1,0 +1,111 @@
+#include "document/path_variables.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "environment/code_page.h"
+#include "environment/runtime_error.h"
+#include "environment/windows_path.h"
+
+namespace txs {
+namespace {
+
+constexpr char kWinSysDir[] = "<WinSysDir>";
+
+// How much longer a text may become than its variable names make it. Values may name further
+// variables, so a few user directories that name each other twice would double without end.
+constexpr std::size_t kGrowthLimitBytes = std::size_t{16} << 20;
+
+// Whether `text` begins with `prefix`, without regard to case.
+bool BeginsWith(std::string_view text, std::string_view prefix) {
+  return text.size() >= prefix.size() && EqualNoCase(text.substr(0, prefix.size()), prefix);
+}
+
+// The first match in list order, not the longest.
+const PathVariable* FirstMatch(const PathVariableList& variables, std::string_view directory) {
+  const auto found = std::find_if(
+      variables.begin(), variables.end(),
+      [&](const PathVariable& variable) { return BeginsWith(directory, variable.value); });
+  return found == variables.end() ? nullptr : &*found;
+}
+
+// Names begin with "<", which has no other case, so the search may leap from one to the next.
+std::size_t FindName(std::string_view text, std::string_view name, std::size_t from) {
+  for (std::size_t at = text.find(name.front(), from); at != std::string_view::npos;
+       at = text.find(name.front(), at + 1)) {
+    if (BeginsWith(text.substr(at), name)) return at;
+  }
+  return std::string_view::npos;
+}
+
+// The value goes in as it is: a name in it is not replaced by the variable's own value again.
+void ReplaceName(std::string& text, const PathVariable& variable, std::size_t longest) {
+  if (variable.name.empty()) return;
+  std::size_t found = FindName(text, variable.name, 0);
+  if (found == std::string::npos) return;
+
+  std::string result;
+  std::size_t copied = 0;
+  while (found != std::string::npos) {
+    result.append(text, copied, found - copied);
+    result += variable.value;
+    if (result.size() > longest) {
+      throw RuntimeError(ErrorNumber::kOutOfMemory,
+                         "the value of " + variable.name + " makes the text too long");
+    }
+    copied = found + variable.name.size();
+    found = FindName(text, variable.name, copied);
+  }
+  result.append(text, copied);
+  text = std::move(result);
+}
+
+}  // namespace
+
+PathVariableList BuildPathVariables(const InstallationSettings& installation,
+                                    const SystemTools& tools, std::string_view project_directory) {
+  return {
+      {"<ProjectDir>", std::string(project_directory)},
+      {"<TavixCommonDir>", installation.common_directory},
+      {"<TavixStudioDir>", installation.studio_directory},
+      {"<TavixMainDir>", installation.main_directory},
+      {kWinSysDir, tools.Folder(SpecialFolder::kSystem)},
+      {"<FontDir>", tools.Folder(SpecialFolder::kFonts)},
+      {"<WinDir>", tools.Folder(SpecialFolder::kWindows)},
+      {"<CommonFilesDir>", tools.Folder(SpecialFolder::kCommonFiles)},
+      {"<ProgramFilesDir>", tools.Folder(SpecialFolder::kProgramFiles)},
+  };
+}
+
+void SetPathVariable(PathVariableList& variables, std::string_view name, std::string_view value) {
+  for (PathVariable& variable : variables) {
+    if (!EqualNoCase(variable.name, name)) continue;
+    variable.value = value;
+    return;
+  }
+  variables.push_back({std::string(name), std::string(value)});
+}
+
+std::string ToVariableForm(const PathVariableList& variables, std::string_view path,
+                           VariableForm form) {
+  if (form != VariableForm::kWholePath && form != VariableForm::kDirectoryOnly) return {};
+
+  std::string directory = ParentFolder(path);
+  const PathVariable* const variable = FirstMatch(variables, directory);
+  if (variable != nullptr) {
+    directory.replace(0, variable->value.size(), variable->name);
+  } else if (form == VariableForm::kDirectoryOnly) {
+    directory = kWinSysDir;
+  }
+  if (form == VariableForm::kDirectoryOnly) return directory;
+  return directory + "\\" + FileName(path);
+}
+
+std::string FromVariableForm(const PathVariableList& variables, std::string_view text) {
+  std::string result(text);
+  const std::size_t longest = text.size() + kGrowthLimitBytes;
+  for (const PathVariable& variable : variables) ReplaceName(result, variable, longest);
+  return result;
+}
+
+}  // namespace txs

@@ -1,0 +1,45 @@
+#include "projects/open_project.h"
+
+#include <string>
+
+#include "document/path_variables.h"
+#include "document/settings_file.h"
+#include "environment/project_type.h"
+#include "projects/project_registry.h"
+
+namespace txs {
+
+bool OpenProject(Application& application, std::string_view name) {
+  constexpr long kProjectCannotBeEdited = 901;
+  const RegisteredProject registered = LookUpProject(application.platform, name);
+  CurrentProject& project = application.project;
+  project.name = registered.name;
+  project.directory = registered.directory;
+  project.type = registered.type;
+  project.file = registered.name;
+  // The border of the routine: the callers are event handlers and the start routine, which have the
+  // document at its defaults to go on with.
+  try {
+    LoadCurrentProject(application);
+  } catch (const RuntimeError& error) {
+    ShowError(application, kProjectCannotBeEdited, {project.name}, error);
+    return false;
+  }
+  return true;
+}
+
+void LoadCurrentProject(Application& application) {
+  application.document.path_variables = BuildPathVariables(
+      application.installation, application.platform.tools, application.project.directory);
+  // Without the user directories of the project before, should there have been one.
+  application.document.steps.user_directories.clear();
+  ExtendPathVariables(application);
+  ReadSettings(application);
+  ExtendPathVariables(application);
+}
+
+bool TypeDependentControlsEnabled(long project_type) {
+  return project_type == kProjectTypeSingle || project_type == kProjectTypeServer;
+}
+
+}  // namespace txs
