@@ -20,12 +20,13 @@ inline constexpr long kProjectTypeAll = -1;  // every bit set
 // `ProjectTypeConvert`, number to name: "" for an unknown number.
 [[nodiscard]] std::string ProjectTypeName(long number);
 
-// `ProjectTypeConvert` on a text as a variant would take it: a numeric text gives the name ("8" gives
-// "Terminal Server"), any other the number as decimal text ("Group" gives "32", "group" gives "0").
+// `ProjectTypeConvert` on a text as a variant would take it: a numeric text gives the name ("8"
+// gives "Terminal Server"), any other the number as decimal text ("Group" gives "32", "group" gives
+// "0").
 [[nodiscard]] std::string ProjectTypeConvert(std::string_view text);
 
-// The registry value `ProjectType` may hold the number or the name: the number in both cases, 0 when
-// unknown. A number that is no single type is unknown.
+// The registry value `ProjectType` may hold the number or the name: the number in both cases, 0
+// when unknown. A number that is no single type is unknown.
 [[nodiscard]] long ProjectTypeFromRegistry(std::string_view text);
 
 }  // namespace txs

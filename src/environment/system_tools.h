@@ -39,7 +39,8 @@ class SystemTools {
   // A number value reads as its decimal text.
   [[nodiscard]] std::string RegistryText(Hive hive, std::string_view key, std::string_view name,
                                          std::string_view default_value) const;
-  // A text value that is a whole decimal number reads as that number, any other text as the default.
+  // A text value that is a whole decimal number reads as that number, any other text as the
+  // default.
   [[nodiscard]] std::int64_t RegistryNumber(Hive hive, std::string_view key, std::string_view name,
                                             std::int64_t default_value) const;
   void WriteRegistry(Hive hive, std::string_view key, std::string_view name,

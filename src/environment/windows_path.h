@@ -24,8 +24,8 @@ namespace txs {
 [[nodiscard]] std::string ParentFolder(std::string_view path);
 
 // directory + "\" + name; just the name when the directory is empty. The system writes paths as
-// text + "\" + text, so a directory stored with a trailing "\" gives a doubled one, which every file
-// operation accepts.
+// text + "\" + text, so a directory stored with a trailing "\" gives a doubled one, which every
+// file operation accepts.
 [[nodiscard]] std::string JoinPath(std::string_view directory, std::string_view name);
 
 // "C:\..." or "\\server\...": names a place without regard to a current directory.

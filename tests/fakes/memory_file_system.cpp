@@ -94,7 +94,7 @@ class MemoryOutputFile : public OutputFile {
 };
 
 MemoryFileSystem::MemoryFileSystem()
-    : free_bytes_(std::numeric_limits<std::uint64_t>::max()),
+    : free_bytes_(std::numeric_limits<std::uint64_t>::max() / 2),  // replaced files add to it
       now_(std::chrono::sys_days(std::chrono::year(2026) / 11 / 21)) {
   AddDrive('C');
 }
