@@ -1,0 +1,788 @@
+#include "environment/file_system_host.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <tuple>
+#include <utility>
+
+#include "environment/code_page.h"
+#include "environment/runtime_error.h"
+#include "environment/windows_path.h"
+
+namespace txs {
+namespace {
+
+constexpr std::size_t kCopyBlockBytes = 1024 * 1024;
+constexpr mode_t kNewFileMode = 0666;
+constexpr mode_t kNewFolderMode = 0777;
+constexpr mode_t kAnyWriteBit = 0222;
+
+ErrorNumber NumberOf(int error) {
+  switch (error) {
+    case ENOENT:
+      return ErrorNumber::kFileNotFound;
+    case ENOTDIR:
+      return ErrorNumber::kPathNotFound;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case EBUSY:
+    case ETXTBSY:
+      return ErrorNumber::kPermissionDenied;
+    case EEXIST:
+      return ErrorNumber::kAlreadyExists;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+      return ErrorNumber::kDiskFull;
+    case EIO:
+      return ErrorNumber::kDeviceIo;
+    case EMFILE:
+    case ENFILE:
+      return ErrorNumber::kTooManyFiles;
+    case ENAMETOOLONG:
+    case EINVAL:
+    case EILSEQ:
+    case ELOOP:
+      return ErrorNumber::kBadFileName;
+    case ENODEV:
+    case ENXIO:
+      return ErrorNumber::kDeviceUnavailable;
+    case ENOMEM:
+      return ErrorNumber::kOutOfMemory;
+    default:
+      return ErrorNumber::kPathFileAccess;  // EISDIR, ENOTEMPTY and what has no number of its own
+  }
+}
+
+[[noreturn]] void Throw(ErrorNumber number, std::string_view path, std::string_view words) {
+  throw RuntimeError(number, std::string(path) + ": " + std::string(words));
+}
+
+[[noreturn]] void ThrowErrno(int error, std::string_view path) {
+  Throw(NumberOf(error), path, std::strerror(error));
+}
+
+class Descriptor {
+ public:
+  Descriptor() = default;
+  explicit Descriptor(int fd) : fd_(fd) {}
+  ~Descriptor() { CloseQuietly(); }
+  Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    CloseQuietly();
+    fd_ = std::exchange(other.fd_, -1);
+    return *this;
+  }
+
+  [[nodiscard]] int Get() const { return fd_; }
+  [[nodiscard]] bool IsOpen() const { return fd_ >= 0; }
+
+  // 0 or the error; the descriptor is gone in both cases.
+  [[nodiscard]] int Close() { return close(std::exchange(fd_, -1)) == 0 ? 0 : errno; }
+
+ private:
+  void CloseQuietly() {
+    if (fd_ >= 0) close(fd_);
+    fd_ = -1;
+  }
+
+  int fd_ = -1;
+};
+
+int OpenRetrying(const std::string& path, int flags) {
+  for (;;) {
+    const int fd = open(path.c_str(), flags | O_CLOEXEC, kNewFileMode);
+    if (fd >= 0 || errno != EINTR) return fd;
+  }
+}
+
+FileTime TimeOf(const timespec& time) {
+  return FileTime(FileTicks(std::int64_t{time.tv_sec} * 10'000'000 + time.tv_nsec / 100));
+}
+
+FileStamp StampOf(const struct stat& status) {
+  return {static_cast<std::uint64_t>(status.st_size), TimeOf(status.st_mtim)};
+}
+
+// Writes everything or throws.
+void WriteAll(int fd, const void* data, std::size_t size, off_t offset, bool at_offset,
+              const std::string& path) {
+  const char* position = static_cast<const char*>(data);
+  while (size > 0) {
+    const ssize_t written =
+        at_offset ? pwrite(fd, position, size, offset) : write(fd, position, size);
+    if (written < 0) {
+      if (errno == EINTR) continue;
+      ThrowErrno(errno, path);
+    }
+    position += written;
+    offset += written;
+    size -= static_cast<std::size_t>(written);
+  }
+}
+
+class HostInputFile : public InputFile {
+ public:
+  HostInputFile(Descriptor file, std::uint64_t length, std::string path)
+      : file_(std::move(file)), length_(length), path_(std::move(path)) {}
+
+  [[nodiscard]] std::size_t Read(std::span<std::byte> buffer) override {
+    for (;;) {
+      const ssize_t count = read(file_.Get(), buffer.data(), buffer.size());
+      if (count >= 0) return static_cast<std::size_t>(count);
+      if (errno != EINTR) ThrowErrno(errno, path_);
+    }
+  }
+
+  [[nodiscard]] std::uint64_t Length() const override { return length_; }
+
+  void Seek(std::uint64_t offset) override {
+    if (lseek(file_.Get(), static_cast<off_t>(offset), SEEK_SET) < 0) ThrowErrno(errno, path_);
+  }
+
+ private:
+  Descriptor file_;
+  std::uint64_t length_;
+  std::string path_;
+};
+
+class HostOutputFile : public OutputFile {
+ public:
+  HostOutputFile(Descriptor file, std::string path)
+      : file_(std::move(file)), path_(std::move(path)) {}
+
+  void Write(std::span<const std::byte> data) override {
+    WriteAll(file_.Get(), data.data(), data.size(), /*offset=*/0, /*at_offset=*/false, path_);
+  }
+
+  void WriteAt(std::uint64_t offset, std::span<const std::byte> data) override {
+    struct stat status;
+    if (fstat(file_.Get(), &status) != 0) ThrowErrno(errno, path_);
+    if (offset + data.size() > static_cast<std::uint64_t>(status.st_size)) {
+      Throw(ErrorNumber::kInvalidCall, path_, "WriteAt beyond what was written");
+    }
+    WriteAll(file_.Get(), data.data(), data.size(), static_cast<off_t>(offset),
+             /*at_offset=*/true, path_);
+  }
+
+  void Close() override {
+    if (!file_.IsOpen()) return;
+    if (const int error = file_.Close(); error != 0) ThrowErrno(error, path_);
+  }
+
+ private:
+  Descriptor file_;
+  std::string path_;
+};
+
+// Whether a name of the host can be part of a Windows path, and the other way round.
+bool IsWindowsName(std::string_view name) {
+  return !name.empty() && std::ranges::none_of(name, [](char c) {
+    return static_cast<unsigned char>(c) < 0x20 ||
+           std::string_view("\"<>|?*:\\/").find(c) != std::string_view::npos;
+  });
+}
+
+std::string ParentOf(const std::string& host_path) {
+  const std::size_t slash = host_path.rfind('/');
+  if (slash == std::string::npos) return ".";
+  return slash == 0 ? "/" : host_path.substr(0, slash);
+}
+
+std::string Below(const std::string& folder, std::string_view name) {
+  std::string path = folder;
+  if (path.empty() || path.back() != '/') path += '/';
+  path += name;
+  return path;
+}
+
+std::string RealPath(const std::string& path) {
+  std::array<char, PATH_MAX> resolved;
+  return realpath(path.c_str(), resolved.data()) == nullptr ? std::string()
+                                                            : std::string(resolved.data());
+}
+
+class OpenFolder {
+ public:
+  explicit OpenFolder(const std::string& path) : folder_(opendir(path.c_str())) {}
+  ~OpenFolder() {
+    if (folder_ != nullptr) closedir(folder_);
+  }
+  OpenFolder(const OpenFolder&) = delete;
+  OpenFolder& operator=(const OpenFolder&) = delete;
+
+  [[nodiscard]] bool IsOpen() const { return folder_ != nullptr; }
+
+  // Null at the end; "." and ".." are passed over.
+  [[nodiscard]] const dirent* Next() {
+    while (const dirent* entry = readdir(folder_)) {
+      const std::string_view name = entry->d_name;
+      if (name != "." && name != "..") return entry;
+    }
+    return nullptr;
+  }
+
+ private:
+  DIR* folder_;
+};
+
+bool IsFolderAt(const std::string& path) {
+  struct stat status;
+  return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// Deletes what is in the folder and the folder, goes on after a failure; returns the first error.
+int RemoveFolderAndContents(const std::string& path) {
+  int first_error = 0;
+  const auto note = [&](int error) {
+    if (first_error == 0) first_error = error;
+  };
+  std::vector<std::pair<std::string, bool>> entries;  // path, is a folder
+  {
+    OpenFolder folder(path);
+    if (!folder.IsOpen()) return errno;
+    while (const dirent* entry = folder.Next()) {
+      const std::string entry_path = Below(path, entry->d_name);
+      struct stat status;
+      const bool is_folder = entry->d_type == DT_DIR ||
+                             (entry->d_type == DT_UNKNOWN &&
+                              lstat(entry_path.c_str(), &status) == 0 && S_ISDIR(status.st_mode));
+      entries.emplace_back(entry_path, is_folder);
+    }
+  }
+  for (const auto& [entry_path, is_folder] : entries) {
+    if (is_folder) {
+      note(RemoveFolderAndContents(entry_path));
+    } else if (unlink(entry_path.c_str()) != 0 && errno == EACCES) {
+      // The read-only flag of Windows lies on files; here it may lie on the folder.
+      if (chmod(path.c_str(), S_IRWXU) != 0 || unlink(entry_path.c_str()) != 0) note(errno);
+    } else if (struct stat status; lstat(entry_path.c_str(), &status) == 0) {
+      note(unlink(entry_path.c_str()) == 0 ? 0 : errno);
+    }
+  }
+  if (rmdir(path.c_str()) != 0) note(errno);
+  return first_error;
+}
+
+}  // namespace
+
+// The names in a folder by their folded form, so that a name of unknown spelling costs one look
+// into a table. Without it, making the 5,000th file of a folder would mean listing 4,999 names to
+// see whether one differs only in case.
+//
+// An index holds as long as the folder is the same (device, inode) and its time has not moved; what
+// this program itself does to a folder is entered and the new time taken over. A change that
+// another process makes between our operation and the look at the time goes unseen until the folder
+// changes again: such a file is then not found under another spelling, but never under its own,
+// since the exact name is always asked of the disk first.
+class HostFileSystem::FolderIndexes {
+ public:
+  // The name's spelling in the folder: the exact one when it is there, else the first in byte
+  // order that differs only in case. Nothing when there is none or the folder cannot be read.
+  [[nodiscard]] std::optional<std::string> Spelling(const std::string& folder,
+                                                    std::string_view name) {
+    Index* index = Current(folder);
+    if (index == nullptr) return std::nullopt;
+    const auto found = index->names.find(FoldCase(name));
+    if (found == index->names.end() || found->second.empty()) return std::nullopt;
+    if (std::ranges::find(found->second, name) != found->second.end()) return std::string(name);
+    return *std::ranges::min_element(found->second);
+  }
+
+  // What this program just did to the folder.
+  void Added(const std::string& path) {
+    Change(path, [](std::vector<std::string>& spellings, const std::string& name) {
+      if (std::ranges::find(spellings, name) == spellings.end()) spellings.push_back(name);
+    });
+  }
+  void Removed(const std::string& path) {
+    Change(path, [](std::vector<std::string>& spellings, const std::string& name) {
+      std::erase(spellings, name);
+    });
+  }
+  void RemovedTree(const std::string& path) {
+    Removed(path);
+    const std::string inside = path + "/";
+    std::erase_if(indexes_, [&](const auto& index) {
+      return index.first == path || index.first.starts_with(inside);
+    });
+  }
+
+ private:
+  struct Index {
+    dev_t device = 0;
+    ino_t inode = 0;
+    timespec time = {};
+    std::unordered_map<std::string, std::vector<std::string>> names;  // spellings by folded name
+
+    [[nodiscard]] bool Is(const struct stat& status) const {
+      return device == status.st_dev && inode == status.st_ino &&
+             time.tv_sec == status.st_mtim.tv_sec && time.tv_nsec == status.st_mtim.tv_nsec;
+    }
+    void Take(const struct stat& status) {
+      device = status.st_dev;
+      inode = status.st_ino;
+      time = status.st_mtim;
+    }
+  };
+
+  Index* Current(const std::string& folder) {
+    struct stat status;
+    if (stat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return nullptr;
+    const auto [place, is_new] = indexes_.try_emplace(folder);
+    Index& index = place->second;
+    if (!is_new && index.Is(status)) return &index;
+    index.names.clear();
+    index.Take(status);
+    OpenFolder open_folder(folder);
+    if (!open_folder.IsOpen()) {
+      indexes_.erase(place);
+      return nullptr;
+    }
+    while (const dirent* entry = open_folder.Next()) {
+      index.names[FoldCase(entry->d_name)].emplace_back(entry->d_name);
+    }
+    return &index;
+  }
+
+  template <typename Edit>
+  void Change(const std::string& path, const Edit& edit) {
+    const std::string folder = ParentOf(path);
+    const auto found = indexes_.find(folder);
+    if (found == indexes_.end()) return;
+    struct stat status;
+    if (stat(folder.c_str(), &status) != 0) {
+      indexes_.erase(found);
+      return;
+    }
+    const std::string name = path.substr(path.rfind('/') + 1);
+    edit(found->second.names[FoldCase(name)], name);
+    found->second.Take(status);
+  }
+
+  std::unordered_map<std::string, Index> indexes_;  // by host path of the folder
+};
+
+std::string HostFileSystem::Place::Path() const {
+  return name.empty() ? folder : Below(folder, name);
+}
+
+HostFileSystem::HostFileSystem(std::string root)
+    : root_(std::move(root)), indexes_(std::make_unique<FolderIndexes>()) {
+  while (root_.size() > 1 && root_.back() == '/') root_.pop_back();
+}
+
+HostFileSystem::~HostFileSystem() = default;
+
+std::string HostFileSystem::DriveFolder(char letter) const {
+  const char lower =
+      letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+  std::string folder = Below(root_, "drive_") + lower;
+  if (lower == 'z' && !IsFolderAt(folder)) return "/";
+  return folder;
+}
+
+std::vector<std::string> HostFileSystem::Split(std::string_view path) const {
+  std::string text(path);
+  std::ranges::replace(text, '/', '\\');
+  if (text.starts_with("\\\\?\\")) text.erase(0, 4);
+  if (text.empty()) Throw(ErrorNumber::kBadFileName, path, "No file name");
+  if (text.starts_with("\\\\")) {
+    Throw(ErrorNumber::kPathNotFound, path, "Network paths have no folder on this computer");
+  }
+  const bool has_drive = text.size() >= 2 && text[1] == ':' &&
+                         ((text[0] >= 'a' && text[0] <= 'z') || (text[0] >= 'A' && text[0] <= 'Z'));
+  if (!has_drive) {
+    std::string current = WindowsPath(".");
+    if (text.front() == '\\') current.resize(2);
+    text = current + "\\" + text;
+  }
+
+  std::vector<std::string> components = {DriveFolder(text[0])};
+  std::size_t start = 2;
+  while (start < text.size()) {
+    const std::size_t end = std::min(text.find('\\', start), text.size());
+    const std::string component = text.substr(start, end - start);
+    start = end + 1;
+    if (component.empty() || component == ".") continue;
+    if (component == "..") {
+      if (components.size() > 1) components.pop_back();
+      continue;
+    }
+    if (!IsWindowsName(component) || !IsUtf8(component)) {
+      Throw(ErrorNumber::kBadFileName, path, "Not a name that Windows accepts");
+    }
+    components.push_back(component);
+  }
+  return components;
+}
+
+HostFileSystem::Place HostFileSystem::Locate(std::string_view path) const {
+  const std::vector<std::string> components = Split(path);
+  Place place;
+  place.folder = components.front();
+  struct stat status;
+  if (components.size() == 1) {
+    place.exists = stat(place.folder.c_str(), &status) == 0;
+    place.folder_exists = place.exists;
+    return place;
+  }
+
+  // The exact spelling first, in one call.
+  std::string exact = components.front();
+  for (std::size_t i = 1; i + 1 < components.size(); ++i) exact = Below(exact, components[i]);
+  if (stat(Below(exact, components.back()).c_str(), &status) == 0) {
+    return {exact, components.back(), /*exists=*/true, /*folder_exists=*/true};
+  }
+
+  for (std::size_t i = 1; i < components.size(); ++i) {
+    const bool is_last = i + 1 == components.size();
+    const std::optional<std::string> spelling = indexes_->Spelling(place.folder, components[i]);
+    if (is_last) {
+      place.name = spelling.value_or(components[i]);
+      place.exists = spelling.has_value();
+      place.folder_exists = spelling.has_value() || IsFolderAt(place.folder);
+    } else if (spelling) {
+      place.folder = Below(place.folder, *spelling);
+    } else {
+      // From here on nothing exists; the rest keeps the caller's spelling.
+      for (; i + 1 < components.size(); ++i) place.folder = Below(place.folder, components[i]);
+      place.name = components.back();
+      place.folder_exists = false;
+      return place;
+    }
+  }
+  return place;
+}
+
+std::string HostFileSystem::LocateFile(std::string_view path) const {
+  const Place place = Locate(path);
+  if (!place.exists) {
+    Throw(place.folder_exists ? ErrorNumber::kFileNotFound : ErrorNumber::kPathNotFound, path,
+          place.folder_exists ? "File not found" : "Folder not found");
+  }
+  return place.Path();
+}
+
+std::string HostFileSystem::LocateTarget(std::string_view path) const {
+  const Place place = Locate(path);
+  if (!place.folder_exists) Throw(ErrorNumber::kPathNotFound, path, "Folder not found");
+  const std::string target = place.Path();
+  struct stat status;
+  if (place.exists && stat(target.c_str(), &status) == 0) {
+    if (S_ISDIR(status.st_mode)) Throw(ErrorNumber::kPathFileAccess, path, "Is a folder");
+    // Root may write what has no write permission; Windows refuses it to everybody.
+    if ((status.st_mode & kAnyWriteBit) == 0) {
+      Throw(ErrorNumber::kPathFileAccess, path, "The file is read-only");
+    }
+  }
+  return target;
+}
+
+std::string HostFileSystem::HostPath(std::string_view path) const { return Locate(path).Path(); }
+
+std::string HostFileSystem::WindowsPath(std::string_view host_path) const {
+  std::string absolute(host_path);
+  if (absolute.empty() || absolute.front() != '/') {
+    std::array<char, PATH_MAX> current;
+    if (getcwd(current.data(), current.size()) == nullptr) ThrowErrno(errno, host_path);
+    absolute = Below(current.data(), absolute);
+  }
+  std::vector<std::string> components;
+  for (std::size_t start = 0; start < absolute.size();) {
+    const std::size_t end = std::min(absolute.find('/', start), absolute.size());
+    const std::string component = absolute.substr(start, end - start);
+    start = end + 1;
+    if (component == "..") {
+      if (!components.empty()) components.pop_back();
+    } else if (!component.empty() && component != ".") {
+      components.push_back(component);
+    }
+  }
+  std::string tidy;
+  for (const std::string& component : components) tidy += "/" + component;
+
+  char best_letter = 'Z';
+  std::size_t best_length = 0;
+  for (char letter = 'a'; letter <= 'z'; ++letter) {
+    const std::string folder = DriveFolder(letter);
+    for (const std::string& prefix : {folder, RealPath(folder)}) {
+      if (prefix.size() > best_length && prefix != "/" &&
+          (tidy == prefix || tidy.starts_with(prefix + "/")) && IsFolderAt(folder)) {
+        best_letter = static_cast<char>(letter - 'a' + 'A');
+        best_length = prefix.size();
+      }
+    }
+  }
+  std::string result = {best_letter, ':'};
+  result += tidy.substr(best_length);
+  std::ranges::replace(result, '/', '\\');
+  if (result.size() == 2) result += '\\';
+  return result;
+}
+
+bool HostFileSystem::FileExists(std::string_view path) const { return Stamp(path).has_value(); }
+
+bool HostFileSystem::FolderExists(std::string_view path) const {
+  try {
+    return IsFolderAt(Locate(path).Path());
+  } catch (const RuntimeError&) {
+    return false;
+  }
+}
+
+std::optional<FileStamp> HostFileSystem::Stamp(std::string_view path) const {
+  try {
+    struct stat status;
+    const std::vector<std::string> components = Split(path);
+    std::string exact = components.front();
+    for (std::size_t i = 1; i < components.size(); ++i) exact = Below(exact, components[i]);
+    const bool is_exact = stat(exact.c_str(), &status) == 0;
+    if (!is_exact) {
+      const Place place = Locate(path);
+      if (!place.exists || stat(place.Path().c_str(), &status) != 0) return std::nullopt;
+    }
+    if (S_ISDIR(status.st_mode)) return std::nullopt;
+    return StampOf(status);
+  } catch (const RuntimeError&) {
+    return std::nullopt;
+  }
+}
+
+std::unique_ptr<InputFile> HostFileSystem::OpenForReading(std::string_view path) const {
+  const std::vector<std::string> components = Split(path);
+  std::string exact = components.front();
+  for (std::size_t i = 1; i < components.size(); ++i) exact = Below(exact, components[i]);
+  // A pipe or a device must not hold the program up.
+  Descriptor file(OpenRetrying(exact, O_RDONLY | O_NONBLOCK));
+  if (!file.IsOpen() && (errno == ENOENT || errno == ENOTDIR)) {
+    file = Descriptor(OpenRetrying(LocateFile(path), O_RDONLY | O_NONBLOCK));
+  }
+  if (!file.IsOpen()) ThrowErrno(errno, path);
+  struct stat status;
+  if (fstat(file.Get(), &status) != 0) ThrowErrno(errno, path);
+  if (S_ISDIR(status.st_mode)) Throw(ErrorNumber::kPathFileAccess, path, "Is a folder");
+  if (!S_ISREG(status.st_mode)) Throw(ErrorNumber::kPathFileAccess, path, "Is no ordinary file");
+  return std::make_unique<HostInputFile>(
+      std::move(file), static_cast<std::uint64_t>(status.st_size), std::string(path));
+}
+
+std::vector<FileEntry> HostFileSystem::List(std::string_view folder,
+                                            std::string_view pattern) const {
+  const Place place = Locate(folder);
+  const std::string path = place.Path();
+  if (!IsFolderAt(path)) Throw(ErrorNumber::kPathNotFound, folder, "Folder not found");
+  OpenFolder open_folder(path);
+  if (!open_folder.IsOpen()) ThrowErrno(errno, folder);
+  std::vector<std::pair<std::string, FileEntry>> found;  // folded name, entry
+  while (const dirent* entry = open_folder.Next()) {
+    const std::string name = entry->d_name;
+    if (!IsUtf8(name) || !IsWindowsName(name) || !MatchesWildcard(name, pattern)) continue;
+    const bool is_folder =
+        entry->d_type == DT_DIR ||
+        ((entry->d_type == DT_UNKNOWN || entry->d_type == DT_LNK) && IsFolderAt(Below(path, name)));
+    found.push_back({FoldCase(name), {name, is_folder}});
+  }
+  std::ranges::sort(found, [](const auto& left, const auto& right) {
+    return std::tie(left.first, left.second.name) < std::tie(right.first, right.second.name);
+  });
+  std::vector<FileEntry> entries;
+  entries.reserve(found.size());
+  for (auto& [folded, entry] : found) entries.push_back(std::move(entry));
+  return entries;
+}
+
+std::unique_ptr<OutputFile> HostFileSystem::OpenOutput(std::string_view path, int flags) {
+  const std::string target = LocateTarget(path);
+  Descriptor file(OpenRetrying(target, O_WRONLY | O_CREAT | O_NOCTTY | flags));
+  if (!file.IsOpen()) ThrowErrno(errno, path);
+  indexes_->Added(target);
+  return std::make_unique<HostOutputFile>(std::move(file), std::string(path));
+}
+
+std::unique_ptr<OutputFile> HostFileSystem::CreateForWriting(std::string_view path) {
+  return OpenOutput(path, O_TRUNC);
+}
+
+std::unique_ptr<OutputFile> HostFileSystem::OpenForAppending(std::string_view path) {
+  return OpenOutput(path, O_APPEND);
+}
+
+void HostFileSystem::ReplaceWhole(std::string_view path, std::string_view bytes) {
+  std::string target = LocateTarget(path);
+  // A link stays a link: what it points to is replaced.
+  if (const std::string real = RealPath(target); !real.empty()) target = real;
+  struct stat old_status;
+  const bool existed = stat(target.c_str(), &old_status) == 0;
+  std::string temporary = Below(ParentOf(target), ".txs-XXXXXX");
+  Descriptor file(mkostemp(temporary.data(), O_CLOEXEC));
+  if (!file.IsOpen()) ThrowErrno(errno, path);
+  try {
+    const mode_t mask = umask(0);
+    umask(mask);
+    const mode_t mode = existed ? old_status.st_mode & 07777 : kNewFileMode & ~mask;
+    if (fchmod(file.Get(), mode) != 0) ThrowErrno(errno, path);
+    WriteAll(file.Get(), bytes.data(), bytes.size(), /*offset=*/0, /*at_offset=*/false,
+             std::string(path));
+    if (fsync(file.Get()) != 0) ThrowErrno(errno, path);
+    if (const int error = file.Close(); error != 0) ThrowErrno(error, path);
+    if (rename(temporary.c_str(), target.c_str()) != 0) ThrowErrno(errno, path);
+  } catch (const RuntimeError&) {
+    unlink(temporary.c_str());
+    throw;
+  }
+  // Without this the new name may be gone after a power failure. It is in place already, so that a
+  // file system that cannot do it is no reason to report a failure.
+  const Descriptor folder(OpenRetrying(ParentOf(target), O_RDONLY | O_DIRECTORY));
+  if (folder.IsOpen()) static_cast<void>(fsync(folder.Get()));
+  indexes_->Added(target);
+}
+
+void HostFileSystem::CopyWhole(std::string_view source, std::string_view target) {
+  const std::string from = LocateFile(source);
+  Descriptor input(OpenRetrying(from, O_RDONLY | O_NONBLOCK));
+  if (!input.IsOpen()) ThrowErrno(errno, source);
+  struct stat status;
+  if (fstat(input.Get(), &status) != 0) ThrowErrno(errno, source);
+  if (!S_ISREG(status.st_mode)) {
+    Throw(ErrorNumber::kPathFileAccess, source, "Is no ordinary file");
+  }
+  const std::string to = LocateTarget(target);
+  struct stat target_status;
+  if (stat(to.c_str(), &target_status) == 0 && target_status.st_dev == status.st_dev &&
+      target_status.st_ino == status.st_ino) {
+    Throw(ErrorNumber::kPathFileAccess, target, "Cannot copy a file onto itself");
+  }
+  Descriptor output(OpenRetrying(to, O_WRONLY | O_CREAT | O_TRUNC));
+  if (!output.IsOpen()) ThrowErrno(errno, target);
+  indexes_->Added(to);
+
+  bool in_kernel = true;
+  std::vector<char> block;
+  for (;;) {
+    if (in_kernel) {
+      const ssize_t copied =
+          copy_file_range(input.Get(), nullptr, output.Get(), nullptr, kCopyBlockBytes, 0);
+      if (copied == 0) break;
+      if (copied > 0 || errno == EINTR) continue;
+      if (errno == ENOSPC || errno == EDQUOT || errno == EIO) ThrowErrno(errno, target);
+      in_kernel = false;  // not between these file systems; the positions are where they were
+      block.resize(kCopyBlockBytes);
+    }
+    const ssize_t count = read(input.Get(), block.data(), block.size());
+    if (count == 0) break;
+    if (count < 0) {
+      if (errno == EINTR) continue;
+      ThrowErrno(errno, source);
+    }
+    WriteAll(output.Get(), block.data(), static_cast<std::size_t>(count), /*offset=*/0,
+             /*at_offset=*/false, std::string(target));
+  }
+  const std::array<timespec, 2> times = {status.st_atim, status.st_mtim};
+  if (futimens(output.Get(), times.data()) != 0) ThrowErrno(errno, target);
+  if (const int error = output.Close(); error != 0) ThrowErrno(error, target);
+}
+
+void HostFileSystem::MoveWhole(std::string_view source, std::string_view target) {
+  const std::string from = LocateFile(source);
+  if (IsFolderAt(from)) Throw(ErrorNumber::kPathFileAccess, source, "Is a folder");
+  const std::string to = LocateTarget(target);
+  if (rename(from.c_str(), to.c_str()) == 0) {
+    if (from == to) return;
+    indexes_->Added(to);
+    indexes_->Removed(from);
+    return;
+  }
+  if (errno != EXDEV) ThrowErrno(errno, source);
+  CopyWhole(source, target);
+  RemoveFile(source);
+}
+
+void HostFileSystem::RemoveFile(std::string_view path) {
+  const std::string target = LocateFile(path);
+  struct stat status;
+  if (lstat(target.c_str(), &status) != 0) ThrowErrno(errno, path);
+  if (S_ISDIR(status.st_mode)) Throw(ErrorNumber::kPathFileAccess, path, "Is a folder");
+  if (!S_ISLNK(status.st_mode) && (status.st_mode & kAnyWriteBit) == 0) {
+    Throw(ErrorNumber::kPathFileAccess, path, "The file is read-only");
+  }
+  if (unlink(target.c_str()) != 0) ThrowErrno(errno, path);
+  indexes_->Removed(target);
+}
+
+void HostFileSystem::RemoveTree(std::string_view folder) {
+  const Place place = Locate(folder);
+  if (!place.exists) return;
+  if (place.name.empty()) Throw(ErrorNumber::kPathFileAccess, folder, "Is a whole drive");
+  const std::string path = place.Path();
+  struct stat status;
+  if (lstat(path.c_str(), &status) != 0) {
+    if (errno == ENOENT) return;
+    ThrowErrno(errno, folder);
+  }
+  int error = 0;
+  if (S_ISLNK(status.st_mode)) {
+    if (unlink(path.c_str()) != 0) error = errno;
+  } else if (S_ISDIR(status.st_mode)) {
+    error = RemoveFolderAndContents(path);
+  } else {
+    Throw(ErrorNumber::kPathFileAccess, folder, "Not a folder");
+  }
+  indexes_->RemovedTree(path);
+  if (error != 0) ThrowErrno(error, folder);
+}
+
+void HostFileSystem::MakeFolder(std::string_view folder) {
+  const std::vector<std::string> components = Split(folder);
+  std::string path = components.front();
+  if (!IsFolderAt(path)) Throw(ErrorNumber::kPathNotFound, folder, "No such drive");
+  for (std::size_t i = 1; i < components.size(); ++i) {
+    const std::string exact = Below(path, components[i]);
+    if (IsFolderAt(exact)) {
+      path = exact;
+      continue;
+    }
+    path = Below(path, indexes_->Spelling(path, components[i]).value_or(components[i]));
+    if (mkdir(path.c_str(), kNewFolderMode) == 0) {
+      indexes_->Added(path);
+      continue;
+    }
+    const int error = errno;
+    if (error != EEXIST) ThrowErrno(error, folder);
+    if (!IsFolderAt(path)) Throw(ErrorNumber::kPathFileAccess, folder, "Is a file");
+  }
+}
+
+std::vector<std::string> HostFileSystem::Drives() const {
+  std::vector<std::string> drives;
+  for (char letter = 'a'; letter <= 'z'; ++letter) {
+    if (IsFolderAt(DriveFolder(letter))) {
+      drives.push_back({static_cast<char>(letter - 'a' + 'A'), ':'});
+    }
+  }
+  return drives;
+}
+
+std::uint64_t HostFileSystem::FreeSpaceBytes(std::string_view path) const {
+  std::string place = HostPath(path);
+  struct statvfs status;
+  while (statvfs(place.c_str(), &status) != 0) {
+    if (errno != ENOENT || place == "/" || place == ".") ThrowErrno(errno, path);
+    place = ParentOf(place);
+  }
+  return std::uint64_t{status.f_bavail} * status.f_frsize;
+}
+
+}  // namespace txs
