@@ -130,10 +130,20 @@ class ProtectedPlaces {
   std::unordered_set<std::string> old_disks_;
 };
 
+// Nothing when the directory does not exist yet. Asked of List alone: FolderExists also says "no"
+// when it could not find out, and disks left from an earlier run would go out with the new ones.
+std::vector<FileEntry> ListOldDisks(const FileSystem& files, const std::string& output_directory) {
+  try {
+    return files.List(output_directory, "DISK*");
+  } catch (const RuntimeError& error) {
+    if (error.Number() != ErrorNumber::kPathNotFound) throw;
+    return {};
+  }
+}
+
 void RemoveOldDisks(Application& application, const std::string& output_directory) {
   FileSystem& files = application.platform.files;
-  if (!files.FolderExists(output_directory)) return;
-  const std::vector<FileEntry> old_disks = files.List(output_directory, "DISK*");
+  const std::vector<FileEntry> old_disks = ListOldDisks(files, output_directory);
 
   const ProtectedPlaces places(output_directory, old_disks);
   places.Check(application.project.directory);

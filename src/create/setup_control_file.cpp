@@ -1,5 +1,6 @@
 #include "create/setup_control_file.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <memory>
@@ -172,12 +173,12 @@ class ScriptWriter {
 
   void WriteExtraEntries() {
     for (const std::string& entry : application_.document.extra_todo_lines) {
-      std::string_view rest = entry;
-      for (;;) {
-        const std::size_t end = rest.find('@');
-        Line(rest.substr(0, end));
-        if (end == std::string_view::npos) break;
-        rest.remove_prefix(end + 1);
+      // An empty piece is no command: the engine's scripts have no blank lines.
+      std::size_t begin = 0;
+      while (begin < entry.size()) {
+        const std::size_t end = std::min(entry.find('@', begin), entry.size());
+        if (end > begin) Line(std::string_view(entry).substr(begin, end - begin));
+        begin = end + 1;
       }
     }
   }

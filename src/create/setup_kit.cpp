@@ -1,5 +1,6 @@
 #include "create/setup_kit.h"
 
+#include <memory>
 #include <optional>
 #include <span>
 
@@ -30,18 +31,14 @@ bool ReadList(Application& application, std::vector<std::string>& names) {
   });
 }
 
-// Lengths of the kit files; 0 for one that is missing, which fails when it is copied.
-std::vector<std::uint64_t> KitLengths(Application& application,
-                                      const std::vector<std::string>& names) {
-  const std::string kit_directory = application.installation.SetupKitDirectory();
-  std::vector<std::uint64_t> lengths;
-  lengths.reserve(names.size());
-  for (const std::string& name : names) {
-    const std::optional<FileStamp> stamp =
-        application.platform.files.Stamp(JoinPath(kit_directory, name));
-    lengths.push_back(stamp ? stamp->length_bytes : 0);
+// Bytes of one kit file. Throws RuntimeError when it is missing.
+std::uint64_t KitFileLength(const Application& application, const std::string& name) {
+  if (name.empty()) {
+    throw RuntimeError(ErrorNumber::kBadFileName,
+                       std::string(kListName) + ": a key of section " + kSection + " is missing");
   }
-  return lengths;
+  return application.platform.files.Length(
+      JoinPath(application.installation.SetupKitDirectory(), name));
 }
 
 bool CopyFiles(Application& application, CreateView& view, const std::vector<std::string>& names,
@@ -50,9 +47,15 @@ bool CopyFiles(Application& application, CreateView& view, const std::vector<std
   return AtStageBorder(application, kMessageCopying, subject, [&] {
     FileSystem& files = application.platform.files;
     const std::string kit_directory = application.installation.SetupKitDirectory();
-    const std::vector<std::uint64_t> lengths = KitLengths(application, names);
+    // Measured first, so that the bar knows where it ends.
+    std::vector<std::uint64_t> lengths;
+    lengths.reserve(names.size());
     std::uint64_t total_bytes = 0;
-    for (const std::uint64_t length : lengths) total_bytes += length;
+    for (const std::string& name : names) {
+      subject = name;
+      lengths.push_back(KitFileLength(application, name));
+      total_bytes += lengths.back();
+    }
     std::uint64_t done_bytes = 0;
     view.ShowProgress(MakeCreateProgress(/*count_done=*/0, names.size(), done_bytes, total_bytes));
 
@@ -60,11 +63,6 @@ bool CopyFiles(Application& application, CreateView& view, const std::vector<std
       subject = names[i];
       view.ShowFile(names[i]);
       if (CancelledMeanwhile(view)) return false;
-      if (names[i].empty()) {
-        throw RuntimeError(ErrorNumber::kBadFileName, std::string(kListName) + ": key " +
-                                                          std::to_string(i + 1) + " of section " +
-                                                          kSection + " is missing");
-      }
       files.CopyWhole(JoinPath(kit_directory, names[i]),
                       JoinPath(state.first_disk_directory, names[i]));
       state.first_disk_names.insert(FoldCase(names[i]));
@@ -138,10 +136,9 @@ std::optional<SetupKitRoom> MeasureSetupKit(Application& application, std::uint6
   SetupKitRoom room;
   std::string subject;
   const bool measured = AtStageBorder(application, kMessageCopying, subject, [&] {
-    const std::string kit_directory = application.installation.SetupKitDirectory();
     for (const std::string& name : names) {
       subject = name;
-      room.bytes += RoundUpTo1024(application.platform.files.Length(JoinPath(kit_directory, name)));
+      room.bytes += RoundUpTo1024(KitFileLength(application, name));
     }
     room.bytes += kScriptPlaceholderBytes;
     return true;
