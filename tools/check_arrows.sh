@@ -60,7 +60,7 @@ check() (
         if (!is_win32) fault("a header of Windows belongs in *_win32.cpp: " name)
       } else if (name ~ posix) {
         if (!is_host && !is_main) fault("a header of POSIX belongs in *_host.cpp: " name)
-      } else if (quote == "\"") {
+      } else if (quote == "\"" && name !~ /^[a-z_]+\.inc$/) {  # *.inc: tables of resources/
         other = name
         if (name !~ /\// || name ~ /\.\./) {
           fault("name the room: \"room/" name "\"")
@@ -111,6 +111,7 @@ self_test() {
   expect tool/a.cpp '#include "ui/b.h"' bad
   expect create/a.cpp '#include "b.h"' bad
   expect create/a.cpp '#include "../scan/b.h"' bad
+  expect text/a.cpp '#include "table.inc"' good
   expect cellar/a.cpp '#include "environment/b.h"' bad
   expect create/a.cpp '#include <wx/string.h>' bad
   expect ui/a.cpp '#include <wx/string.h>' good
