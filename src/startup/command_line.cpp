@@ -1,0 +1,65 @@
+#include "startup/command_line.h"
+
+#include <array>
+
+#include "environment/windows_path.h"
+
+namespace txs {
+namespace {
+
+constexpr std::array<std::string_view, 4> kUnattendedSwitches = {"-c=", "-C=", "/c=", "/C="};
+
+std::string_view TrimSpaces(std::string_view text) {
+  const std::size_t begin = text.find_first_not_of(' ');
+  if (begin == std::string_view::npos) return {};
+  return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
+}
+
+CommandLine ProjectArgument(CommandLine::Kind kind, std::string_view argument) {
+  const std::string path = StripQuotes(argument);
+  CommandLine result;
+  result.kind = kind;
+  result.project_name = BaseName(path);
+  result.project_directory = ParentFolder(path);
+  // Whatever extension was given is dropped: the wizard works from the project name.
+  result.project_file = result.project_directory.empty()
+                            ? result.project_name
+                            : result.project_directory + "\\" + result.project_name + ".txs";
+  return result;
+}
+
+}  // namespace
+
+CommandLine ParseCommandLine(std::string_view text) {
+  const std::string_view line = TrimSpaces(text);
+  if (line.empty()) return {};
+  if (line.front() != '-' && line.front() != '/') {
+    return ProjectArgument(CommandLine::Kind::kProject, line);
+  }
+  for (const std::string_view unattended : kUnattendedSwitches) {
+    if (line.starts_with(unattended)) {
+      return ProjectArgument(CommandLine::Kind::kUnattended, line.substr(unattended.size()));
+    }
+  }
+  CommandLine refused;
+  refused.kind = CommandLine::Kind::kRefused;
+  return refused;
+}
+
+std::string JoinArguments(int argc, const char* const* argv) {
+  std::string line;
+  for (int i = 1; i < argc; ++i) {
+    if (i > 1) line += ' ';
+    line += argv[i];
+  }
+  return line;
+}
+
+std::string StripQuotes(std::string_view text) {
+  if (!text.starts_with('"')) return std::string(text);
+  text.remove_prefix(1);
+  if (text.ends_with('"')) text.remove_suffix(1);
+  return std::string(text);
+}
+
+}  // namespace txs

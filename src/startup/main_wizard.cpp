@@ -1,0 +1,48 @@
+// TXSetupWizard.
+#include <exception>
+#include <iostream>
+#include <memory>
+
+#include "create/create_view.h"
+#include "environment/platform.h"
+#include "startup/command_line.h"
+#include "startup/console_message_boxes.h"
+#include "startup/display_message_boxes.h"
+#include "startup/message_routing.h"
+#include "startup/no_windows_shell.h"
+#include "startup/program_place.h"
+#include "startup/start_routine.h"
+#include "startup/window_module.h"
+
+namespace {
+
+int RunProgram(const std::string& command_line, txs::MessageBoxes& boxes) {
+  const std::unique_ptr<txs::OwnedPlatform> owned = txs::MakeHostPlatform(boxes);
+  txs::Platform& platform = owned->Get();
+  platform.tools.Initialize(txs::ThisApplication());
+  txs::RoutedMessages messages(platform);
+  txs::NoWindowsShell shell;
+  txs::SilentCreateView view;
+  return txs::RunStartRoutine(platform, messages, shell, view, command_line);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  txs::ConsoleMessageBoxes console(std::cerr, txs::kApplicationTitle);
+  txs::DisplayMessageBoxes boxes(console,
+                                 [] { return txs::OpenWindowModule(txs::kApplicationTitle); });
+  std::string command_line;
+  try {
+    command_line = txs::JoinArguments(argc, argv);
+    return RunProgram(command_line, boxes);
+  } catch (const std::exception& error) {
+    // The registry cannot be read, or memory ran out before there was anything to work on. In which
+    // language to say so is not known.
+    static_cast<void>(boxes.Show(error.what(), txs::kButtonsOk | txs::kIconCritical,
+                                 /*title=*/"", /*help_file=*/"", /*help_context=*/0));
+    // Nobody who builds unattended must take this for a success.
+    const txs::CommandLine line = txs::ParseCommandLine(command_line);
+    return line.kind == txs::CommandLine::Kind::kUnattended ? 1 : 0;
+  }
+}

@@ -1,0 +1,295 @@
+#include "tool/commands.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <exception>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "create/create_run.h"
+#include "environment/project_type.h"
+#include "environment/windows_path.h"
+#include "projects/project_registry.h"
+#include "startup/application_start.h"
+#include "tool/project_argument.h"
+#include "tool/tool_messages.h"
+#include "tool/verify_installation.h"
+
+namespace txs {
+namespace {
+
+// Members in the order in which they were set.
+using Json = nlohmann::ordered_json;
+
+constexpr long kMessageCannotEdit = 901;
+
+struct Options {
+  std::string subject;  // PROJECT or DIRECTORY
+  bool json = false;
+};
+
+void PrintJson(ToolContext& context, const Json& json) {
+  constexpr int kIndent = 2;
+  // A name on the host may be no UTF-8 at all.
+  context.out << json.dump(kIndent, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace)
+              << '\n';
+}
+
+// For one line of a terminal or log: names on the host may hold line breaks and worse.
+std::string OneLine(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
+  return text;
+}
+
+// --- projects
+
+std::string ShownType(const RegisteredProject& project) {
+  const std::string name = ProjectTypeName(project.type);
+  return name.empty() ? project.type_text : name;
+}
+
+std::size_t Characters(const std::string& utf8) {
+  return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
+  }));
+}
+
+void PrintTable(std::ostream& out, const std::vector<std::array<std::string, 4>>& rows) {
+  std::array<std::size_t, 4> widths = {};
+  for (const auto& row : rows) {
+    for (std::size_t i = 0; i < row.size(); ++i)
+      widths[i] = std::max(widths[i], Characters(row[i]));
+  }
+  for (const auto& row : rows) {
+    std::string line;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      line += row[i];
+      if (i + 1 < row.size()) line.append(widths[i] - Characters(row[i]) + 2, ' ');
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    out << line << '\n';
+  }
+}
+
+int ListProjects(ToolContext& context, const Options& options) {
+  const std::vector<RegisteredProject> projects = ListRegisteredProjects(context.platform());
+  if (options.json) {
+    Json list = Json::array();
+    for (const RegisteredProject& project : projects) {
+      list.push_back({{"name", project.name},
+                      {"type", ShownType(project)},
+                      {"directory", project.directory},
+                      {"exists", project.exists}});
+    }
+    PrintJson(context, {{"projects", list}});
+    return kToolDone;
+  }
+  std::vector<std::array<std::string, 4>> rows;
+  for (const RegisteredProject& project : projects) {
+    rows.push_back({OneLine(project.name), OneLine(ShownType(project)), OneLine(project.directory),
+                    project.exists ? "" : "project file missing"});
+  }
+  PrintTable(context.out, rows);
+  return kToolDone;
+}
+
+// --- create and plan
+
+// A project loaded from its settings, and what was said on the way.
+struct LoadedProject {
+  LoadedProject(ToolContext& context, const std::string& argument)
+      : line(context.err, context.err_is_terminal), messages(context.err, line) {
+    Platform& platform = context.platform();
+    application = StartApplication(platform, messages, [this](const Message& message) {
+      static_cast<void>(messages.ShowMessage(message));
+    });
+    if (application == nullptr) return;
+    application->unattended = true;
+    const ProjectArgument project = ReadProjectArgument(platform, argument, context.windows_path);
+    SelectProject(*application, project.name, project.directory);
+    usable = IsThere(platform) && LoadSelectedProject(*application);
+  }
+
+  // A mistyped name deserves a better word than that its program was never built.
+  bool IsThere(Platform& platform) {
+    const CurrentProject& project = application->project;
+    if (!project.directory.empty() && (platform.files.FileExists(project.SettingsFile()) ||
+                                       LookUpProject(platform, project.name).exists ||
+                                       platform.files.FileExists(project.StudioProjectFile()))) {
+      return true;
+    }
+    messages.ShowMessage(application->texts.Compose(kMessageCannotEdit, {project.name}));
+    return false;
+  }
+
+  ProgressLine line;
+  ToolMessages messages;
+  std::unique_ptr<Application> application;
+  bool usable = false;  // else a message was shown
+};
+
+Json ToJson(const std::vector<Message>& messages) {
+  Json list = Json::array();
+  for (const Message& message : messages) {
+    list.push_back({{"id", message.id}, {"text", message.prompt}});
+  }
+  return list;
+}
+
+int Create(ToolContext& context, const Options& options) {
+  LoadedProject project(context, options.subject);
+  CreateResult result;
+  if (project.usable) {
+    ProgressLineView view(project.line, project.application->texts);
+    result = RunCreate(*project.application, view);
+  }
+  if (options.json) {
+    PrintJson(context, {{"result", result.succeeded},
+                        {"output", result.output_directory},
+                        {"disks", result.disks},
+                        {"files", result.files},
+                        {"bytes", result.archive_bytes},
+                        {"messages", ToJson(project.messages.Shown())}});
+  } else if (result.succeeded) {
+    context.out << result.output_directory << ": " << result.disks << " disks, " << result.files
+                << " files, " << result.archive_bytes << " bytes in archives\n";
+  }
+  return result.succeeded ? kToolDone : kToolFailed;
+}
+
+void PrintPlan(std::ostream& out, const CreatePlan& plan) {
+  for (const CreatePlan::File& file : plan.files) {
+    out << OneLine(file.archive) << ": " << file.archive_bytes << " bytes";
+    for (std::size_t i = 0; i < file.disks.size(); ++i) {
+      out << (i == 0 ? " on disk " : ", ") << file.disks[i];
+    }
+    out << '\n';
+  }
+  if (plan.fits) {
+    out << plan.disks << " disks, " << plan.files.size() << " files, " << plan.archive_bytes
+        << " bytes in archives\n";
+  } else {
+    out << "does not fit: the setup kit alone needs more than one disk\n";
+  }
+}
+
+int PlanDisks(ToolContext& context, const Options& options) {
+  LoadedProject project(context, options.subject);
+  std::optional<CreatePlan> plan;
+  if (project.usable) {
+    ProgressLineView view(project.line, project.application->texts);
+    plan = PlanCreate(*project.application, view);
+  }
+  if (!plan) return kToolFailed;
+  if (options.json) {
+    Json files = Json::array();
+    for (const CreatePlan::File& file : plan->files) {
+      files.push_back(
+          {{"archive", file.archive}, {"bytes", file.archive_bytes}, {"disks", file.disks}});
+    }
+    PrintJson(context, {{"disks", plan->disks}, {"files", files}});
+  } else {
+    PrintPlan(context.out, *plan);
+  }
+  return plan->fits ? kToolDone : kToolDoesNotFit;
+}
+
+// --- verify
+
+int Verify(ToolContext& context, const Options& options) {
+  const FileReader& files = context.platform().files;
+  std::string directory = options.subject;
+  if (!IsAbsolutePath(directory) || !files.FolderExists(directory)) {
+    directory = context.windows_path(directory).value_or(directory);
+  }
+  const VerifyResult result = VerifyInstallation(files, directory);
+  if (options.json) {
+    Json damages = Json::array();
+    for (const Damage& damage : result.damages) {
+      damages.push_back({{"where", damage.where}, {"what", damage.what}});
+    }
+    PrintJson(context, {{"sound", result.Sound()},
+                        {"disks", result.disks},
+                        {"files", result.files},
+                        {"bytes", result.bytes},
+                        {"damages", damages}});
+  } else if (result.Sound()) {
+    context.out << "sound: " << result.disks << " disks, " << result.files << " files, "
+                << result.bytes << " bytes in archives\n";
+  } else {
+    for (const Damage& damage : result.damages) {
+      context.out << OneLine(damage.where + ": " + damage.what) << '\n';
+    }
+  }
+  return result.Sound() ? kToolDone : kToolDamaged;
+}
+
+// --- command line
+
+int Parse(const std::vector<std::string>& arguments, ToolContext& context) {
+  CLI::App app("Builds and checks installations of studio projects without a window.",
+               "TXSetupTool");
+  app.set_version_flag("--version", "TXSetupTool " + context.version);
+  app.allow_windows_style_options(false);
+  app.require_subcommand(1);
+  app.footer(
+      "PROJECT is a registered name or [ProjectPath\\]ProjectName[.txs|.swz].\n"
+      "Results go to standard output, messages to standard error.\n"
+      "Exit codes: 0 done, 1 failed, 2 wrong usage, 4 does not fit (plan), 5 damaged (verify).");
+
+  using Command = int (*)(ToolContext&, const Options&);
+  Options options;
+  std::vector<std::pair<CLI::App*, Command>> commands;
+  const auto add = [&](const char* name, const char* description, const char* subject,
+                       const char* subject_description, Command command) {
+    CLI::App* const sub = app.add_subcommand(name, description);
+    if (subject != nullptr)
+      sub->add_option(subject, options.subject, subject_description)->required();
+    sub->add_flag("--json", options.json, "Print the result as one JSON object");
+    commands.emplace_back(sub, command);
+  };
+  constexpr const char* kProjectHelp = "Registered name or [ProjectPath\\]ProjectName[.txs|.swz]";
+  add("projects", "List the registered projects", nullptr, nullptr, ListProjects);
+  add("create", "Create the installation of a project", "PROJECT", kProjectHelp, Create);
+  add("plan", "Show which file goes on which disk, and write no installation", "PROJECT",
+      kProjectHelp, PlanDisks);
+  add("verify", "Read a finished installation back and check it", "DIRECTORY",
+      "Directory that holds DISK1, as the host or as Windows writes it", Verify);
+
+  try {
+    // The parser takes the arguments from the back.
+    app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error, context.out, context.err) == 0 ? kToolDone : kToolWrongUsage;
+  }
+  for (const auto& [sub, command] : commands) {
+    if (sub->parsed()) return command(context, options);
+  }
+  return kToolWrongUsage;
+}
+
+}  // namespace
+
+int RunTool(const std::vector<std::string>& arguments, ToolContext& context) {
+  int code = kToolFailed;
+  try {
+    code = Parse(arguments, context);
+    context.out.flush();
+    if (!context.out) {
+      context.err << "TXSetupTool: the result cannot be written\n";
+      if (code == kToolDone) code = kToolFailed;
+    }
+  } catch (const RuntimeError& error) {
+    context.err << "TXSetupTool: " << error.Description() << " ("
+                << static_cast<int>(error.Number()) << ")\n";
+  } catch (const std::exception& error) {
+    context.err << "TXSetupTool: " << error.what() << '\n';
+  }
+  context.err.flush();
+  return code;
+}
+
+}  // namespace txs

@@ -1,0 +1,325 @@
+#include "tool/setup_script.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include "environment/code_page.h"
+#include "environment/windows_path.h"
+
+namespace txs {
+namespace {
+
+constexpr std::size_t kMostFaults = 10000;
+constexpr std::size_t kUnbounded = std::numeric_limits<std::size_t>::max();
+
+struct CommandForm {
+  std::string_view name;
+  std::size_t least_arguments;
+  std::size_t most_arguments;
+};
+
+// The commands that have arguments. ExecFile hands on the program's own switches, which may hold
+// the separator.
+constexpr std::array kCommands = {
+    CommandForm{"SetVar", 2, 2},
+    CommandForm{"WriteRegistry", 5, 5},
+    CommandForm{"CreateDir", 1, 1},
+    CommandForm{"DeleteFile", 1, 1},
+    CommandForm{"InstallFile", 8, kUnbounded},
+    CommandForm{"RegInProc", 1, 1},
+    CommandForm{"RegOutProc", 1, 1},
+    CommandForm{"ExecFile", 2, kUnbounded},
+    CommandForm{"CreateShellLink", 3, 3},
+};
+
+struct ParameterForm {
+  std::string_view name;
+  int count;
+};
+
+constexpr std::array kParameters = {
+    ParameterForm{"DefLang", 1},    ParameterForm{"Silent", 1},    ParameterForm{"Force", 1},
+    ParameterForm{"TargetDir", 1},  ParameterForm{"SetupName", 1}, ParameterForm{"SetupDesc0", 3},
+    ParameterForm{"SetupDesc1", 3}, ParameterForm{"MaxBytes", 1},  ParameterForm{"MaxDisk", 1},
+};
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+std::optional<std::uint64_t> Digits(std::string_view text) {
+  if (text.empty()) return std::nullopt;
+  std::uint64_t number = 0;
+  for (const char c : text) {
+    if (!IsDigit(c)) return std::nullopt;
+    const auto digit = static_cast<std::uint64_t>(c - '0');
+    if (number > (std::numeric_limits<std::uint64_t>::max() - digit) / 10) return std::nullopt;
+    number = number * 10 + digit;
+  }
+  return number;
+}
+
+// "dd.mm.yyyy", a day and month that exist.
+bool IsDate(std::string_view text) {
+  if (text.size() != 10 || text[2] != '.' || text[5] != '.') return false;
+  const std::optional<std::uint64_t> day = Digits(text.substr(0, 2));
+  const std::optional<std::uint64_t> month = Digits(text.substr(3, 2));
+  return day && month && Digits(text.substr(6)) && *day >= 1 && *day <= 31 && *month >= 1 &&
+         *month <= 12;
+}
+
+std::vector<std::string_view> Split(std::string_view text) {
+  std::vector<std::string_view> parts;
+  for (;;) {
+    const std::size_t end = text.find('|');
+    parts.push_back(text.substr(0, end));
+    if (end == std::string_view::npos) return parts;
+    text.remove_prefix(end + 1);
+  }
+}
+
+std::string Quoted(std::string_view text) {
+  constexpr std::size_t kShown = 60;
+  std::string quoted = "\"";
+  for (const char c : text.substr(0, kShown)) {
+    quoted += static_cast<unsigned char>(c) < 0x20 ? '?' : c;
+  }
+  return quoted + (text.size() > kShown ? "...\"" : "\"");
+}
+
+class Parser {
+ public:
+  explicit Parser(SetupScript& script) : script_(script) {}
+
+  void Parse(std::string_view bytes) {
+    if (bytes.find_first_not_of(' ') == std::string_view::npos) {
+      Fault("the script was never written: only its room was kept");
+      return;
+    }
+    while (!bytes.empty() && script_.faults.size() < kMostFaults) {
+      ++line_;
+      std::size_t end = bytes.find('\n');
+      if (end == std::string_view::npos || end == 0 || bytes[end - 1] != '\r') {
+        Fault("the line is not ended by CR LF");
+        if (end == std::string_view::npos) end = bytes.size();
+        TakeLine(AnsiToUtf8(bytes.substr(0, end)));
+      } else {
+        TakeLine(AnsiToUtf8(bytes.substr(0, end - 1)));
+      }
+      bytes.remove_prefix(std::min(end + 1, bytes.size()));
+    }
+    if (script_.faults.size() >= kMostFaults) {
+      line_ = 0;
+      Fault("too many faults; the rest of the script was not read");
+      return;
+    }
+    CheckWhole();
+  }
+
+ private:
+  enum class Section { kNone, kParams, kToDo };
+
+  void Fault(std::string what) { script_.faults.push_back({line_, std::move(what)}); }
+
+  void TakeLine(const std::string& line) {
+    if (section_ == Section::kNone) {
+      if (line != "[Params]") Fault("[Params] is expected, not " + Quoted(line));
+      section_ = Section::kParams;
+    } else if (section_ == Section::kParams) {
+      if (line == "[ToDo]") {
+        section_ = Section::kToDo;
+      } else {
+        TakeParameter(line);
+      }
+    } else {
+      TakeCommand(line);
+    }
+  }
+
+  void TakeParameter(std::string_view line) {
+    const std::size_t equals = line.find('=');
+    const std::string_view name = line.substr(0, equals);
+    const auto* const form =
+        std::find_if(kParameters.begin(), kParameters.end(),
+                     [name](const ParameterForm& known) { return known.name == name; });
+    if (equals == std::string_view::npos || form == kParameters.end()) {
+      Fault("unknown parameter " + Quoted(line));
+      return;
+    }
+    const std::string_view value = line.substr(equals + 1);
+    ++parameter_counts_[static_cast<std::size_t>(form - kParameters.begin())];
+    if (name == "DefLang" || name == "Silent" || name == "Force" || name == "MaxBytes") {
+      const std::optional<std::uint64_t> number = Digits(value);
+      if (!number) Fault(std::string(name) + " is no number");
+      if (name == "MaxBytes") max_bytes_ = number;
+      if (name == "MaxBytes") max_bytes_line_ = line_;
+    } else if (name == "MaxDisk") {
+      script_.disks = Digits(value);
+      script_.disks_line = line_;
+      if (!script_.disks) Fault("MaxDisk is no number");
+    }
+  }
+
+  void TakeCommand(std::string_view line) {
+    line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
+    if (line.empty()) return;
+    if (line == "CheckDiskSpace" || line == "Exit") return;
+    if (line == "EndIf") {
+      if (open_ifs_ == 0) Fault("EndIf without If");
+      if (open_ifs_ > 0) --open_ifs_;
+      return;
+    }
+    const std::size_t parenthesis = line.find('(');
+    const std::string_view name = line.substr(0, parenthesis);
+    if (parenthesis == std::string_view::npos || line.back() != ')') {
+      Fault("no command: " + Quoted(line));
+      return;
+    }
+    const std::string_view inner = line.substr(parenthesis + 1, line.size() - parenthesis - 2);
+    if (name == "If") {
+      TakeIf(inner);
+      return;
+    }
+    const auto* const form =
+        std::find_if(kCommands.begin(), kCommands.end(),
+                     [name](const CommandForm& known) { return known.name == name; });
+    if (form == kCommands.end()) {
+      Fault("unknown command " + Quoted(name));
+      return;
+    }
+    const std::vector<std::string_view> arguments = Split(inner);
+    if (name == "InstallFile") NoteInstallFile(arguments);
+    if (arguments.size() < form->least_arguments || arguments.size() > form->most_arguments) {
+      Fault(std::string(name) + " has " + std::to_string(arguments.size()) + " arguments");
+      if (name == "InstallFile") lengths_known_ = false;
+      return;
+    }
+    if (name == "InstallFile") TakeInstallFile(arguments);
+    if (name == "RegInProc" || name == "RegOutProc") {
+      registrations_.push_back({line_, std::string(arguments[0])});
+    }
+  }
+
+  void TakeIf(std::string_view condition) {
+    constexpr std::string_view kIsEqual = "IsEqual(";
+    ++open_ifs_;
+    const bool sound = condition.starts_with(kIsEqual) && condition.ends_with(')') &&
+                       condition.find('|') != std::string_view::npos;
+    if (!sound) Fault("no condition: " + Quoted(condition));
+  }
+
+  // What even a line that cannot be carried out tells, so that one fault does not draw others.
+  void NoteInstallFile(const std::vector<std::string_view>& arguments) {
+    ++script_.install_lines;
+    if (IsPlainFileName(arguments[0])) script_.archives_named.emplace_back(arguments[0]);
+    if (arguments.size() > 1) targets_.insert(FoldCase(arguments[1]));
+  }
+
+  void TakeInstallFile(const std::vector<std::string_view>& arguments) {
+    const std::size_t faults_before = script_.faults.size();
+    InstallLine install;
+    install.line = line_;
+    install.archive = arguments[0];
+    install.target = arguments[1];
+    if (!IsPlainFileName(install.archive)) {
+      Fault("not the name of an archive: " + Quoted(install.archive));
+    } else if (!archives_.insert(FoldCase(install.archive)).second) {
+      Fault("an earlier line installs from the same archive " + Quoted(install.archive));
+    }
+    if (!IsPlainFileName(FileName(install.target))) {
+      Fault("the target is no file: " + Quoted(install.target));
+    }
+    const std::optional<std::uint64_t> length = Digits(arguments[2]);
+    if (length) {
+      install.length_bytes = *length;
+      if (*length > std::numeric_limits<std::uint64_t>::max() - total_bytes_) {
+        Fault("the length is not possible");
+        lengths_known_ = false;
+      } else {
+        total_bytes_ += *length;
+      }
+    } else {
+      Fault("the length is no number");
+      lengths_known_ = false;
+    }
+    if (!IsDate(arguments[3])) Fault("the date is no date");
+    if (arguments[5] != "2" || arguments[6] != "0") Fault("the options are not 2|0");
+    for (std::size_t i = 7; i < arguments.size(); ++i) {
+      const std::optional<std::uint64_t> disk = Digits(arguments[i]);
+      if (!disk || *disk == 0 || (!install.disks.empty() && *disk <= install.disks.back())) {
+        Fault("the disks are not in order");
+        break;
+      }
+      install.disks.push_back(*disk);
+    }
+    if (script_.faults.size() == faults_before) script_.installs.push_back(std::move(install));
+  }
+
+  void CheckWhole() {
+    for (const auto& [line, target] : registrations_) {
+      if (targets_.contains(FoldCase(target))) continue;
+      script_.faults.push_back({line, "registers " + Quoted(target) + ", which no line installs"});
+    }
+    if (max_bytes_ && lengths_known_ && *max_bytes_ != total_bytes_) {
+      script_.faults.push_back({max_bytes_line_, "MaxBytes is " + std::to_string(*max_bytes_) +
+                                                     ", the files have " +
+                                                     std::to_string(total_bytes_) + " bytes"});
+    }
+    std::stable_sort(script_.faults.begin(), script_.faults.end(),
+                     [](const ScriptFault& a, const ScriptFault& b) { return a.line < b.line; });
+    line_ = 0;
+    if (section_ != Section::kToDo) Fault("[ToDo] is missing");
+    for (std::size_t i = 0; i < kParameters.size(); ++i) {
+      if (parameter_counts_[i] == kParameters[i].count) continue;
+      Fault("the parameter " + std::string(kParameters[i].name) + " stands " +
+            std::to_string(parameter_counts_[i]) + " times");
+    }
+    if (open_ifs_ > 0) Fault("If without EndIf");
+  }
+
+  SetupScript& script_;
+  std::size_t line_ = 0;
+  Section section_ = Section::kNone;
+  std::array<int, kParameters.size()> parameter_counts_ = {};
+  std::optional<std::uint64_t> max_bytes_;
+  std::size_t max_bytes_line_ = 0;
+  std::uint64_t total_bytes_ = 0;
+  bool lengths_known_ = true;
+  std::size_t open_ifs_ = 0;
+  std::unordered_set<std::string> archives_;  // folded
+  std::unordered_set<std::string> targets_;   // folded
+  std::vector<std::pair<std::size_t, std::string>> registrations_;
+};
+
+bool IsDevice(std::string_view name) {
+  std::string stem(name.substr(0, name.find('.')));
+  while (!stem.empty() && stem.back() == ' ') stem.pop_back();
+  for (const std::string_view device : {"CON", "PRN", "AUX", "NUL"}) {
+    if (EqualNoCase(stem, device)) return true;
+  }
+  const bool numbered = stem.size() == 4 && IsDigit(stem[3]) && stem[3] != '0';
+  return numbered &&
+         (EqualNoCase(stem.substr(0, 3), "COM") || EqualNoCase(stem.substr(0, 3), "LPT"));
+}
+
+}  // namespace
+
+SetupScript ParseSetupScript(std::string_view bytes) {
+  SetupScript script;
+  Parser(script).Parse(bytes);
+  return script;
+}
+
+bool IsPlainFileName(std::string_view name) {
+  if (name.empty() || name.size() > 255 * 3) return false;
+  if (name.back() == '.' || name.back() == ' ') return false;
+  for (const char c : name) {
+    if (static_cast<unsigned char>(c) < 0x20) return false;
+    if (std::string_view("\\/:*?\"<>|").find(c) != std::string_view::npos) return false;
+  }
+  return !IsDevice(name);
+}
+
+}  // namespace txs
