@@ -262,6 +262,9 @@ void MemoryFileSystem::ReplaceWhole(std::string_view path, std::string_view byte
 void MemoryFileSystem::CopyWhole(std::string_view source, std::string_view target) {
   Count("CopyWhole", source);
   const Node from = NeedFile(source);
+  if (FoldCase(Normalize(source)) == FoldCase(Normalize(target))) {
+    Throw(ErrorNumber::kPathFileAccess, target, "Cannot copy a file onto itself");
+  }
   Node& to = MakeFile(target);
   free_bytes_ += to.bytes->size();
   const std::size_t count =

@@ -1,0 +1,241 @@
+// What only the file system of a Linux host has: drives that are folders, names that differ in
+// case, links, and other processes.
+
+#include "environment/file_system_host.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "environment/runtime_error.h"
+#include "fakes/temp_folder.h"
+
+namespace txs {
+namespace {
+
+namespace fs = std::filesystem;
+
+class HostFileSystemTest : public testing::Test {
+ protected:
+  HostFileSystemTest() { fs::create_directories(root_.Path() / "drive_c" / "Demo"); }
+
+  // As another process would.
+  void Put(const std::string& host_path, const std::string& bytes) {
+    std::ofstream(root_.Path() / host_path, std::ios::binary) << bytes;
+  }
+  std::string Host(const std::string& host_path) const {
+    return (root_.Path() / host_path).string();
+  }
+
+  TempFolder root_;
+  HostFileSystem files_{root_.Path().string()};
+};
+
+TEST_F(HostFileSystemTest, ADriveIsAFolderOfTheRoot) {
+  EXPECT_EQ(files_.HostPath("C:\\Demo\\x.txt"), Host("drive_c/Demo/x.txt"));
+  EXPECT_EQ(files_.HostPath("C:\\"), Host("drive_c"));
+  EXPECT_EQ(files_.Drives(), (std::vector<std::string>{"C:", "Z:"}));
+}
+
+TEST_F(HostFileSystemTest, ADriveMayBeALink) {
+  fs::create_directory(root_.Path() / "elsewhere");
+  fs::create_directory_symlink(root_.Path() / "elsewhere", root_.Path() / "drive_d");
+  Put("elsewhere/x", "1");
+
+  EXPECT_EQ(files_.ReadWhole("D:\\X"), "1");
+  EXPECT_EQ(files_.WindowsPath(Host("elsewhere/x")), "D:\\x");
+}
+
+TEST_F(HostFileSystemTest, DriveZIsTheRootOfTheHost) {
+  Put("drive_c/Demo/x", "1");
+
+  const std::string path = "Z:" + Host("drive_c/Demo/x");
+
+  EXPECT_EQ(files_.ReadWhole(path), "1");
+  EXPECT_EQ(files_.WindowsPath("/usr/bin"), "Z:\\usr\\bin");
+  EXPECT_EQ(files_.WindowsPath("/"), "Z:\\");
+}
+
+TEST_F(HostFileSystemTest, AHostPathOnADriveHasTheDrivesName) {
+  EXPECT_EQ(files_.WindowsPath(Host("drive_c/Demo/a b.txt")), "C:\\Demo\\a b.txt");
+  EXPECT_EQ(files_.WindowsPath(Host("drive_c/Demo/../x/./y")), "C:\\x\\y");
+  EXPECT_EQ(files_.WindowsPath(Host("drive_c")), "C:\\");
+}
+
+TEST_F(HostFileSystemTest, ARelativePathIsTakenFromTheCurrentDirectory) {
+  const fs::path before = fs::current_path();
+  fs::current_path(root_.Path() / "drive_c" / "Demo");
+  Put("drive_c/Demo/x", "1");
+
+  EXPECT_EQ(files_.ReadWhole("x"), "1");
+  EXPECT_EQ(files_.ReadWhole("\\demo\\x"), "1");
+  EXPECT_EQ(files_.WindowsPath("x"), "C:\\Demo\\x");
+
+  fs::current_path(before);
+}
+
+TEST_F(HostFileSystemTest, NothingClimbsAboveTheDrive) {
+  EXPECT_EQ(files_.HostPath("C:\\..\\..\\etc\\passwd"), Host("drive_c/etc/passwd"));
+  EXPECT_EQ(files_.HostPath("C:\\Demo\\..\\x"), Host("drive_c/x"));
+}
+
+TEST_F(HostFileSystemTest, NamesThatWindowsCannotHaveAreRefused) {
+  for (const std::string& path :
+       {std::string("C:\\a\0b", 6), std::string("C:\\a\"b"), std::string("C:\\a*"),
+        std::string("C:\\a\nb"), std::string("C:\\a:b"), std::string("C:\\\xFF")}) {
+    try {
+      static_cast<void>(files_.HostPath(path));
+      ADD_FAILURE() << path;
+    } catch (const RuntimeError& error) {
+      EXPECT_EQ(error.Number(), ErrorNumber::kBadFileName);
+    }
+  }
+}
+
+TEST_F(HostFileSystemTest, TheExactSpellingComesFirstElseTheFirstInByteOrder) {
+  Put("drive_c/Demo/read.me", "lower");
+  Put("drive_c/Demo/Read.me", "mixed");
+
+  EXPECT_EQ(files_.ReadWhole("C:\\Demo\\read.me"), "lower");
+  EXPECT_EQ(files_.ReadWhole("C:\\Demo\\Read.me"), "mixed");
+  EXPECT_EQ(files_.ReadWhole("C:\\Demo\\READ.ME"), "mixed");
+}
+
+TEST_F(HostFileSystemTest, FoldersAreFoundWithoutRegardToCaseToo) {
+  fs::create_directories(root_.Path() / "drive_c" / "Program Files" / "Öl");
+  Put("drive_c/Program Files/Öl/x", "1");
+
+  EXPECT_EQ(files_.ReadWhole("C:\\PROGRAM FILES\\öl\\X"), "1");
+  EXPECT_EQ(files_.HostPath("C:\\program files\\ÖL\\new"), Host("drive_c/Program Files/Öl/new"));
+}
+
+TEST_F(HostFileSystemTest, FilesThatAnotherProcessMakesAndRemovesAreSeen) {
+  EXPECT_FALSE(files_.FileExists("C:\\demo\\LATER"));
+  Put("drive_c/Demo/later", "1");
+  EXPECT_TRUE(files_.FileExists("C:\\demo\\LATER"));
+
+  fs::remove(root_.Path() / "drive_c/Demo/later");
+  EXPECT_FALSE(files_.FileExists("C:\\demo\\LATER"));
+  EXPECT_FALSE(files_.FileExists("C:\\Demo\\later"));
+}
+
+TEST_F(HostFileSystemTest, AFolderThatIsReplacedIsReadAnew) {
+  EXPECT_FALSE(files_.FileExists("C:\\DEMO\\x"));
+  fs::remove_all(root_.Path() / "drive_c/Demo");
+  fs::create_directories(root_.Path() / "drive_c/demo");
+  Put("drive_c/demo/x", "1");
+
+  EXPECT_TRUE(files_.FileExists("C:\\DEMO\\X"));
+}
+
+TEST_F(HostFileSystemTest, ReplacingALinkReplacesWhatItPointsTo) {
+  Put("target.reg", "old");
+  fs::create_symlink(root_.Path() / "target.reg", root_.Path() / "drive_c/Demo/link.reg");
+
+  files_.ReplaceWhole("C:\\Demo\\link.reg", "new");
+
+  EXPECT_TRUE(fs::is_symlink(root_.Path() / "drive_c/Demo/link.reg"));
+  EXPECT_EQ(files_.ReadWhole("Z:" + Host("target.reg")), "new");
+}
+
+TEST_F(HostFileSystemTest, ReplacingKeepsPermissionsAndLeavesNothingBeside) {
+  Put("drive_c/Demo/x", "old");
+  fs::permissions(root_.Path() / "drive_c/Demo/x", fs::perms(0640));
+
+  files_.ReplaceWhole("C:\\Demo\\x", "new");
+
+  EXPECT_EQ(fs::status(root_.Path() / "drive_c/Demo/x").permissions(), fs::perms(0640));
+  EXPECT_EQ(files_.List("C:\\Demo", "*").size(), 1u);
+}
+
+TEST_F(HostFileSystemTest, RemovingATreeRemovesLinksAndNotWhatTheyPointTo) {
+  fs::create_directories(root_.Path() / "precious");
+  Put("precious/x", "1");
+  fs::create_directories(root_.Path() / "drive_c/Demo/DISK1");
+  fs::create_directory_symlink(root_.Path() / "precious", root_.Path() / "drive_c/Demo/DISK1/in");
+  fs::create_directory_symlink(root_.Path() / "precious", root_.Path() / "drive_c/Demo/DISK2");
+
+  files_.RemoveTree("C:\\Demo\\DISK1");
+  files_.RemoveTree("C:\\Demo\\DISK2");
+
+  EXPECT_TRUE(files_.List("C:\\Demo", "*").empty());
+  EXPECT_TRUE(fs::exists(root_.Path() / "precious/x"));
+}
+
+TEST_F(HostFileSystemTest, AWholeDriveIsNeverRemoved) {
+  EXPECT_THROW(files_.RemoveTree("C:\\"), RuntimeError);
+  EXPECT_TRUE(files_.FolderExists("C:\\Demo"));
+}
+
+TEST_F(HostFileSystemTest, ADanglingLinkIsNoFile) {
+  fs::create_symlink(root_.Path() / "nowhere", root_.Path() / "drive_c/Demo/x");
+
+  EXPECT_FALSE(files_.FileExists("C:\\Demo\\x"));
+  EXPECT_THROW(static_cast<void>(files_.ReadWhole("C:\\Demo\\x")), RuntimeError);
+}
+
+TEST_F(HostFileSystemTest, APipeDoesNotHoldTheProgramUp) {
+  ASSERT_EQ(mkfifo(Host("drive_c/Demo/pipe").c_str(), 0600), 0);
+
+  try {
+    static_cast<void>(files_.ReadWhole("C:\\Demo\\pipe"));
+    ADD_FAILURE();
+  } catch (const RuntimeError& error) {
+    EXPECT_EQ(error.Number(), ErrorNumber::kPathFileAccess);
+  }
+}
+
+TEST_F(HostFileSystemTest, AFullDeviceIsADiskThatIsFull) {
+  fs::create_symlink("/dev/full", root_.Path() / "drive_c/Demo/full");
+  const auto file = files_.OpenForAppending("C:\\Demo\\full");
+  const std::string bytes(100, 'x');
+
+  try {
+    file->Write(std::as_bytes(std::span(bytes)));
+    ADD_FAILURE();
+  } catch (const RuntimeError& error) {
+    EXPECT_EQ(error.Number(), ErrorNumber::kDiskFull);
+  }
+}
+
+TEST_F(HostFileSystemTest, APathOf300CharactersWorks) {
+  std::string folder = "C:\\Demo";
+  for (int i = 0; i < 6; ++i) folder += "\\" + std::string(50, static_cast<char>('a' + i));
+
+  files_.MakeFolder(folder);
+  files_.ReplaceWhole(folder + "\\x", "1");
+
+  EXPECT_GT(folder.size(), 300u);
+  EXPECT_EQ(files_.ReadWhole(folder + "\\X"), "1");
+}
+
+TEST_F(HostFileSystemTest, AMissingRootHasNoDriveC) {
+  HostFileSystem nowhere("/nowhere/at/all");
+
+  EXPECT_FALSE(nowhere.FolderExists("C:\\"));
+  EXPECT_EQ(nowhere.Drives(), std::vector<std::string>{"Z:"});
+}
+
+TEST_F(HostFileSystemTest, MovingBetweenVolumesCopiesAndDeletes) {
+  struct stat here;
+  struct stat there;
+  if (stat("/dev/shm", &there) != 0 || stat(root_.Path().c_str(), &here) != 0 ||
+      here.st_dev == there.st_dev) {
+    GTEST_SKIP() << "only one volume on this computer";
+  }
+  Put("drive_c/Demo/x", "contents");
+  const std::string target = "Z:\\dev\\shm\\txs-move-" + std::to_string(getpid());
+
+  files_.MoveWhole("C:\\Demo\\x", target);
+
+  EXPECT_EQ(files_.ReadWhole(target), "contents");
+  EXPECT_FALSE(files_.FileExists("C:\\Demo\\x"));
+  files_.RemoveFile(target);
+}
+
+}  // namespace
+}  // namespace txs
