@@ -28,13 +28,13 @@ struct Finding {
   std::vector<std::string> parameters;
 };
 
-using Findings = std::optional<Finding>;
+using MaybeFinding = std::optional<Finding>;
 
 bool IsBlank(std::string_view text) { return TrimBlanks(text).empty(); }
 
 // Each check gives the finding that ends it. `doing` always names what is being checked, for the
 // case that the check cannot be finished.
-Findings CheckPictures(Application& application, Finding& doing) {
+MaybeFinding CheckPictures(Application& application, Finding& doing) {
   const SetupDocument& document = application.document;
   const Bilingual<std::string>& pictures = document.steps.background_picture;
   for (const std::string* picture : {&pictures.german, &pictures.english}) {
@@ -46,18 +46,18 @@ Findings CheckPictures(Application& application, Finding& doing) {
   return std::nullopt;
 }
 
-Findings CheckDirectories(const StepSettings& steps, Finding& doing) {
+MaybeFinding CheckDirectories(const StepSettings& steps, Finding& doing) {
   doing = {kDirectoriesMissing, {}};
   if (IsBlank(steps.tavix_directory) || IsBlank(steps.project_directory)) return doing;
 
-  const auto check = [](const std::string& directory) -> Findings {
+  const auto check = [](const std::string& directory) -> MaybeFinding {
     if (IsDriveDirectory(directory)) return std::nullopt;
     return Finding{kNoDriveDirectory, {directory}};
   };
-  if (Findings finding = check(steps.tavix_directory)) return finding;
-  if (Findings finding = check(steps.project_directory)) return finding;
+  if (MaybeFinding finding = check(steps.tavix_directory)) return finding;
+  if (MaybeFinding finding = check(steps.project_directory)) return finding;
   for (const UserDirectory& user : steps.user_directories) {
-    if (Findings finding = check(user.directory)) return finding;
+    if (MaybeFinding finding = check(user.directory)) return finding;
   }
   return std::nullopt;
 }
@@ -87,7 +87,7 @@ bool MarkMissingDestinations(SetupDocument& document) {
   return complete;
 }
 
-Findings CheckFiles(Application& application, Finding& doing) {
+MaybeFinding CheckFiles(Application& application, Finding& doing) {
   SetupDocument& document = application.document;
   document.files.ClearMarks();
   document.hidden_files.ClearMarks();
@@ -100,16 +100,16 @@ Findings CheckFiles(Application& application, Finding& doing) {
   return std::nullopt;
 }
 
-Findings RunCheck(Application& application, Step step, Finding& doing) {
+MaybeFinding RunCheck(Application& application, Step step, Finding& doing) {
   const auto concerns = [step](Step part) { return step == Step::kAll || step == part; };
   if (concerns(Step::kTexts)) {
-    if (Findings finding = CheckPictures(application, doing)) return finding;
+    if (MaybeFinding finding = CheckPictures(application, doing)) return finding;
   }
   if (concerns(Step::kDirectories)) {
-    if (Findings finding = CheckDirectories(application.document.steps, doing)) return finding;
+    if (MaybeFinding finding = CheckDirectories(application.document.steps, doing)) return finding;
   }
   if (concerns(Step::kFiles)) {
-    if (Findings finding = CheckFiles(application, doing)) return finding;
+    if (MaybeFinding finding = CheckFiles(application, doing)) return finding;
   }
   if (step == Step::kMedium) RefreshFigures(application);
   return std::nullopt;
@@ -122,7 +122,7 @@ bool CheckDocument(Application& application, Step step) {
   // The check is run from event handlers and by Create, neither of which expects an error: what
   // cannot be checked counts as failed.
   try {
-    const Findings finding = RunCheck(application, step, doing);
+    const MaybeFinding finding = RunCheck(application, step, doing);
     if (!finding) return true;
     ShowWarning(application, finding->id, finding->parameters);
   } catch (const RuntimeError& error) {

@@ -14,7 +14,7 @@ constexpr char kWinSysDir[] = "<WinSysDir>";
 
 // How much longer a text may become than its variable names make it. Values may name further
 // variables, so a few user directories that name each other twice would double without end.
-constexpr std::size_t kGrowthLimitBytes = std::size_t{16} << 20;
+constexpr std::size_t kGrowthLimitBytes = std::size_t{1} << 20;
 
 // Whether `text` begins with `prefix`, without regard to case.
 bool BeginsWith(std::string_view text, std::string_view prefix) {

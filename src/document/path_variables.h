@@ -43,7 +43,7 @@ void SetPathVariable(PathVariableList& variables, std::string_view name, std::st
 // Replaces every occurrence of every variable's name by its value, one variable after the other in
 // list order, without regard to case. Unknown names stay. A value that holds names of variables
 // further down the list is resolved in turn, its own name is not. Throws RuntimeError kOutOfMemory
-// when values that name each other make the text grow by more than 16 MiB.
+// when values that name each other make the text grow by more than 1 MiB.
 [[nodiscard]] std::string FromVariableForm(const PathVariableList& variables,
                                            std::string_view text);
 

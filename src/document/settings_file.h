@@ -14,8 +14,11 @@ void ReadSettings(Application& application);
 
 // Writes steps and document to the file and clears the changed flag. Atomic: on failure the file is
 // the old one, byte for byte, and the flag stays. Unknown keys, comments, order, the hidden
-// sections and `ServicePack` stay as they are. Throws RuntimeError, also kInvalidCall with the
-// row's number for a source or destination that holds a comma, which separates the fields.
+// sections and `ServicePack` stay as they are. What could not be read back as it is, is refused:
+// RuntimeError kInvalidCall names the row whose source or destination holds a comma, which
+// separates the fields, or whose source or registration begins or ends in blanks; also for line
+// breaks, an empty INI file name, and characters that the code page lacks. Throws RuntimeError when
+// the file cannot be read or replaced.
 void WriteSettings(Application& application);
 
 // Sets document and steps to the defaults; writes nothing. Path variables stay.

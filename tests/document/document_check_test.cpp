@@ -373,9 +373,11 @@ TEST_F(DocumentCheck, ShowsAnErrorUnderTheMessageOfWhatItWasDoing) {
     document_.path_variables.push_back({"<V" + std::to_string(n) + ">", next + next});
   }
   document_.files.Row(1).source = "<V1>";
+  document_.hidden_files.Row(1).marked = true;
 
   EXPECT_FALSE(Check());
   ExpectMessage(1709);
+  EXPECT_FALSE(document_.hidden_files.Row(1).marked);
   EXPECT_THAT(world_.Prompts(), ElementsAre(HasSubstr("(7: ")));
 
   world_.ForgetMessages();

@@ -150,9 +150,9 @@ TEST(FileList, DeletesRowsNamedInAnyOrder) {
 }
 
 TEST(FileList, PassesOverNumbersThatAreNoRowAndNumbersNamedTwice) {
-  FileList list = ListOf({"1", "2", "3"});
+  FileList list = ListOf({"1", "2", "3", "4"});
 
-  list.DeleteRows({0, 2, 2, 4, 900});
+  list.DeleteRows({0, 4, 2, 2, 5, 900});
 
   EXPECT_THAT(Sources(list), ElementsAre("1", "3"));
 }
