@@ -130,6 +130,7 @@ class Parser {
     } else if (section_ == Section::kParams) {
       if (line == "[ToDo]") {
         section_ = Section::kToDo;
+        script_.has_commands = true;
       } else {
         TakeParameter(line);
       }

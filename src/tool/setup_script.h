@@ -26,6 +26,7 @@ struct ScriptFault {
 };
 
 struct SetupScript {
+  bool has_commands = false;  // [ToDo] was found; without it nothing is known about the archives
   std::uint64_t install_lines = 0;  // those with faults, too
   std::vector<InstallLine> installs;
   // Every archive name that the script holds in a usable form, also of lines with other faults.

@@ -83,7 +83,7 @@ class Verifier {
     if (script) {
       CheckScript(*script);
       for (const InstallLine& install : script->installs) CheckInstall(install);
-      CheckSurplus(*script);
+      if (script->has_commands) CheckSurplus(*script);
     }
     return std::move(result_);
   }
