@@ -1,0 +1,411 @@
+#include "environment/registry_host.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <climits>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <thread>
+#include <unordered_set>
+#include <utility>
+
+#include "environment/code_page.h"
+#include "environment/registry_file.h"
+#include "environment/runtime_error.h"
+
+namespace txs {
+namespace {
+
+constexpr auto kLockPatience = std::chrono::seconds(10);
+constexpr auto kLockPause = std::chrono::milliseconds(5);
+constexpr mode_t kNewFileMode = 0666;
+constexpr mode_t kAnyWriteBit = 0222;
+constexpr std::string_view kWow = "Wow6432Node";
+
+ErrorNumber NumberOfWriteError(int error) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+      return ErrorNumber::kPathNotFound;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+      return ErrorNumber::kPermissionDenied;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+      return ErrorNumber::kDiskFull;
+    case EIO:
+      return ErrorNumber::kDeviceIo;
+    case EMFILE:
+    case ENFILE:
+      return ErrorNumber::kTooManyFiles;
+    default:
+      return ErrorNumber::kPathFileAccess;
+  }
+}
+
+[[noreturn]] void Throw(ErrorNumber number, const std::string& path, const std::string& words) {
+  throw RuntimeError(number, path + ": " + words);
+}
+
+[[noreturn]] void ThrowWriteError(int error, const std::string& path) {
+  Throw(NumberOfWriteError(error), path, std::strerror(error));
+}
+
+class Descriptor {
+ public:
+  explicit Descriptor(int fd) : fd_(fd) {}
+  ~Descriptor() {
+    if (fd_ >= 0) close(fd_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  [[nodiscard]] int Get() const { return fd_; }
+  [[nodiscard]] bool IsOpen() const { return fd_ >= 0; }
+
+  // 0 or the error; the descriptor is gone in both cases.
+  [[nodiscard]] int Close() { return close(std::exchange(fd_, -1)) == 0 ? 0 : errno; }
+
+ private:
+  int fd_;
+};
+
+// What tells that the file is another one than was read.
+struct Stamp {
+  bool exists = false;
+  dev_t device = 0;
+  ino_t inode = 0;
+  off_t size = 0;
+  std::int64_t time_ns = 0;
+
+  bool operator==(const Stamp&) const = default;
+};
+
+Stamp StampOf(const struct stat& status) {
+  return {true, status.st_dev, status.st_ino, status.st_size,
+          std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec};
+}
+
+std::int64_t NowNs() {
+  timespec now = {};
+  clock_gettime(CLOCK_REALTIME, &now);
+  return std::int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
+}
+
+// File times move in steps. A file that was written within the same step as it was read may have
+// been written once more without its stamp telling, so it is read again a little later.
+bool IsTooFreshToTrust(const Stamp& stamp, std::int64_t read_at_ns) {
+  constexpr std::int64_t kTickNs = 20'000'000;
+  constexpr std::int64_t kCoarseTickNs = 2'000'000'000;  // file systems that keep whole seconds
+  const std::int64_t step = stamp.time_ns % 1'000'000'000 == 0 ? kCoarseTickNs : kTickNs;
+  const std::int64_t age = read_at_ns - stamp.time_ns;
+  return stamp.exists && age > -kTickNs && age < step;
+}
+
+// Held while a process changes the file. The lock lies on a file of its own because the registry
+// file itself is replaced by renaming, and a lock on a replaced file guards nothing.
+class Lock {
+ public:
+  explicit Lock(const std::string& path)
+      : file_(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kNewFileMode)) {
+    if (!file_.IsOpen()) ThrowWriteError(errno, path);
+    const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
+    while (flock(file_.Get(), LOCK_EX | LOCK_NB) != 0) {
+      if (errno != EWOULDBLOCK && errno != EINTR) ThrowWriteError(errno, path);
+      if (std::chrono::steady_clock::now() >= deadline) {
+        Throw(ErrorNumber::kPermissionDenied, path, "Another process is changing the registry");
+      }
+      std::this_thread::sleep_for(kLockPause);
+    }
+  }
+
+ private:
+  Descriptor file_;
+};
+
+// Where the file lies when `path` is a symbolic link: the link must survive.
+std::string Resolve(const std::string& path) {
+  std::array<char, PATH_MAX> resolved;
+  return realpath(path.c_str(), resolved.data()) == nullptr ? path : std::string(resolved.data());
+}
+
+void SyncFolderOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+  const Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  // The new file is complete under its name already; some file systems cannot sync a folder.
+  if (opened.IsOpen()) static_cast<void>(fsync(opened.Get()));
+}
+
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(std::string path) : path_(std::move(path)) {}
+  ~TemporaryFile() {
+    if (!is_kept_) unlink(path_.c_str());
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  void Keep() { is_kept_ = true; }
+
+ private:
+  std::string path_;
+  bool is_kept_ = false;
+};
+
+// Only under the lock. A failure leaves the old file and nothing else.
+void Replace(const std::string& path, std::string_view bytes) {
+  struct stat old = {};
+  const bool existed = stat(path.c_str(), &old) == 0;
+  if (existed) {
+    if ((old.st_mode & kAnyWriteBit) == 0) {
+      Throw(ErrorNumber::kPathFileAccess, path, "The file is read-only");
+    }
+    if (access(path.c_str(), W_OK) != 0) ThrowWriteError(errno, path);
+  }
+
+  const std::string new_path = path + ".new";
+  unlink(new_path.c_str());  // what a process that was killed left behind
+  Descriptor file(
+      open(new_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kNewFileMode));
+  if (!file.IsOpen()) ThrowWriteError(errno, path);
+  TemporaryFile temporary(new_path);
+  if (existed) {
+    // The owner can be given only by root; the mode matters more and must come after it.
+    static_cast<void>(fchown(file.Get(), old.st_uid, old.st_gid) == 0);
+    if (fchmod(file.Get(), old.st_mode & 07777) != 0) ThrowWriteError(errno, path);
+  }
+  while (!bytes.empty()) {
+    const ssize_t written = write(file.Get(), bytes.data(), bytes.size());
+    if (written < 0) {
+      if (errno == EINTR) continue;
+      ThrowWriteError(errno, path);
+    }
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  if (fsync(file.Get()) != 0) ThrowWriteError(errno, path);
+  if (const int error = file.Close(); error != 0) ThrowWriteError(error, path);
+  if (rename(new_path.c_str(), path.c_str()) != 0) ThrowWriteError(errno, path);
+  temporary.Keep();
+  SyncFolderOf(path);
+}
+
+std::string Join(std::string_view left, std::string_view right) {
+  std::string path(left);
+  if (!path.empty() && !right.empty()) path += '\\';
+  path += right;
+  return path;
+}
+
+// What follows `front` in `key` as whole names; nothing when `key` does not begin so.
+std::optional<std::string_view> Behind(std::string_view key, std::string_view front) {
+  if (!EqualNoCase(key.substr(0, front.size()), front)) return std::nullopt;
+  if (key.size() == front.size()) return std::string_view();
+  if (key[front.size()] != '\\') return std::nullopt;
+  return key.substr(front.size() + 1);
+}
+
+// The keys of the file that one key of the 32-bit view shows, the first to be seen first.
+std::vector<std::string> PlacesOf(Hive hive, std::string_view key) {
+  std::vector<std::string> places;
+  switch (hive) {
+    case Hive::kCurrentUser:
+      places.push_back(Join("HKEY_CURRENT_USER", key));
+      break;
+    case Hive::kLocalMachine:
+      if (const auto software = Behind(key, "Software");
+          software && !Behind(*software, kWow).has_value()) {
+        places.push_back(Join("HKEY_LOCAL_MACHINE\\Software\\Wow6432Node", *software));
+      }
+      places.push_back(Join("HKEY_LOCAL_MACHINE", key));
+      break;
+    case Hive::kClassesRoot:
+      for (const char* classes : {"HKEY_CLASSES_ROOT", "HKEY_CURRENT_USER\\Software\\Classes",
+                                  "HKEY_LOCAL_MACHINE\\Software\\Wow6432Node\\Classes",
+                                  "HKEY_LOCAL_MACHINE\\Software\\Classes"}) {
+        if (!Behind(key, kWow)) places.push_back(Join(Join(classes, kWow), key));
+        places.push_back(Join(classes, key));
+      }
+      break;
+  }
+  return places;
+}
+
+std::string NewPlaceOf(Hive hive, std::string_view key) {
+  switch (hive) {
+    case Hive::kCurrentUser:
+      return Join("HKEY_CURRENT_USER", key);
+    case Hive::kLocalMachine:
+      return Join("HKEY_LOCAL_MACHINE", key);
+    case Hive::kClassesRoot:
+      break;
+  }
+  return Join("HKEY_CLASSES_ROOT", key);
+}
+
+}  // namespace
+
+struct HostRegistry::State {
+  explicit State(const std::string& path_in) : path(path_in) {}
+
+  // The file as it is now. Throws kPathFileAccess and kInvalidCall; the registry is then empty
+  // until the file changes.
+  RegistryFile& Load() {
+    struct stat status = {};
+    Stamp now;
+    if (stat(path.c_str(), &status) == 0) now = StampOf(status);
+    if (!is_loaded || now != stamp || IsTooFreshToTrust(stamp, read_at_ns)) return Reload();
+    if (failure) throw RuntimeError(*failure);
+    return file;
+  }
+
+  RegistryFile& Reload() {
+    file = RegistryFile();
+    stamp = {};
+    failure.reset();
+    read_at_ns = NowNs();
+    is_loaded = true;
+    try {
+      const std::string bytes = ReadBytes();
+      file = RegistryFile(bytes);
+      return file;
+    } catch (const RuntimeError& error) {
+      failure.emplace(error.Number(), path + ": " + error.Description());
+    }
+    throw RuntimeError(*failure);
+  }
+
+  // Nothing is seen of a file that cannot be read.
+  const RegistryFile& LoadForReading() {
+    try {
+      return Load();
+    } catch (const RuntimeError&) {
+      return file;
+    }
+  }
+
+  // Changes the file as it is by then, under the lock. `edit` answers whether it changed anything.
+  template <typename Edit>
+  void Change(const Edit& edit) {
+    const std::string target = Resolve(path);
+    const Lock lock(target + ".lock");
+    Reload();
+    is_loaded = false;  // what is held while it is edited is not what the file says
+    std::string bytes;
+    try {
+      if (!edit(file)) {
+        is_loaded = true;
+        return;
+      }
+      bytes = file.Bytes();
+    } catch (const RuntimeError& error) {
+      Throw(error.Number(), path, error.Description());
+    }
+    Replace(target, bytes);
+    struct stat status = {};
+    if (stat(path.c_str(), &status) == 0) stamp = StampOf(status);
+    read_at_ns = NowNs();
+    is_loaded = true;
+  }
+
+  // Takes the stamp of what it reads. A missing file has no bytes.
+  std::string ReadBytes() {
+    const auto require = [](bool succeeded) {
+      if (!succeeded) throw RuntimeError(ErrorNumber::kPathFileAccess, std::strerror(errno));
+    };
+    const Descriptor opened(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    if (!opened.IsOpen() && errno == ENOENT) return {};
+    require(opened.IsOpen());
+    struct stat status = {};
+    require(fstat(opened.Get(), &status) == 0);
+    if (!S_ISREG(status.st_mode)) throw RuntimeError(ErrorNumber::kPathFileAccess, "Not a file");
+    stamp = StampOf(status);
+    std::string bytes;
+    std::vector<char> block(std::size_t{1} << 18);
+    for (;;) {
+      const ssize_t count = read(opened.Get(), block.data(), block.size());
+      if (count == 0) return bytes;
+      if (count < 0 && errno == EINTR) continue;
+      require(count > 0);
+      bytes.append(block.data(), static_cast<std::size_t>(count));
+    }
+  }
+
+  std::string path;
+  RegistryFile file;
+  Stamp stamp;
+  std::int64_t read_at_ns = 0;
+  std::optional<RuntimeError> failure;  // why the file could not be read
+  bool is_loaded = false;
+};
+
+HostRegistry::HostRegistry(std::string path)
+    : path_(std::move(path)), state_(std::make_unique<State>(path_)) {
+  static_cast<void>(state_->Load());
+}
+
+HostRegistry::~HostRegistry() = default;
+
+std::optional<RegistryValue> HostRegistry::Read(Hive hive, std::string_view key,
+                                                std::string_view name) const {
+  const RegistryFile& file = state_->LoadForReading();
+  for (const std::string& place : PlacesOf(hive, key)) {
+    if (std::optional<RegistryValue> value = file.Value(place, name)) return value;
+  }
+  return std::nullopt;
+}
+
+std::vector<std::string> HostRegistry::Subkeys(Hive hive, std::string_view key) const {
+  const RegistryFile& file = state_->LoadForReading();
+  std::vector<std::string> names;
+  std::unordered_set<std::string> seen;
+  for (const std::string& place : PlacesOf(hive, key)) {
+    for (std::string& name : file.Subkeys(place)) {
+      if (seen.insert(FoldCase(name)).second) names.push_back(std::move(name));
+    }
+  }
+  return names;
+}
+
+void HostRegistry::Write(Hive hive, std::string_view key, std::string_view name,
+                         const RegistryValue& value) {
+  state_->Change([&](RegistryFile& file) {
+    std::string target = NewPlaceOf(hive, key);
+    for (const std::string& place : PlacesOf(hive, key)) {
+      if (!file.HasKey(place)) continue;
+      target = place;
+      break;
+    }
+    if (file.Value(target, name) == value) return false;
+    file.Set(target, name, value);
+    return true;
+  });
+}
+
+void HostRegistry::RemoveKey(Hive hive, std::string_view key) {
+  // Without the key there is nothing to write, so the file may be read-only or missing.
+  if (key.empty()) Throw(ErrorNumber::kInvalidCall, path_, "A whole hive cannot be removed");
+  const std::vector<std::string> places = PlacesOf(hive, key);
+  const RegistryFile& file = state_->Load();
+  bool exists = false;
+  for (const std::string& place : places) exists = exists || file.HasKey(place);
+  if (!exists) return;
+  state_->Change([&](RegistryFile& now) {
+    bool removed = false;
+    for (const std::string& place : places) removed = now.RemoveKey(place) || removed;
+    return removed;
+  });
+}
+
+}  // namespace txs
