@@ -115,5 +115,5 @@ Next:
   ./run.sh wizard '/c=Leitstand Client'     another unattended run
   ./test.sh                                 build everything and run the tests
 On your own studio: export TAVIX_ROOT=DIRECTORY (see docs/formats/registry-file.md), then
-  $wizard '/c=C:\\Projects\\Demo\\Demo.txs'
+  $PWD/$wizard '/c=C:\\Projects\\Demo\\Demo.txs'
 NEXT

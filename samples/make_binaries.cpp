@@ -688,7 +688,7 @@ void MakeMixingPlant(Studio& studio) {
   studio.Put(project + "Bilder/Übersicht.bmp", release, Picture(800, 600, 40));
   studio.Put(project + "Bilder/Silo groß.bmp", {2003, 11, 27}, Picture(320, 240, 85));
   studio.Put(project + "Daten/Rezepte.mdb", release, Database("Rezepte", 6000));
-  // Sized so that the installation takes three diskettes and both archives are split.
+  // Sized so that the installation takes three diskettes and the first archive is split.
   studio.Put(project + "Daten/Rezeptarchiv 2003.rzp", {2003, 12, 31},
              Incompressible("Archiv 2003", 1'350'000));
   studio.Put(project + "Daten/Rezeptarchiv 2004.rzp", release,
