@@ -1,0 +1,102 @@
+#include "scan/scan_run.h"
+
+#include <exception>
+#include <string>
+
+#include "environment/code_page.h"
+#include "environment/runtime_error.h"
+#include "environment/windows_path.h"
+#include "scan/dependency_resolution.h"
+#include "scan/scan_border.h"
+#include "scan/scan_session.h"
+#include "scan/studio_project_scan.h"
+#include "scan/vb_project_reader.h"
+#include "scan/visual_basic.h"
+
+namespace txs {
+namespace {
+
+constexpr long kTextFailed = 724;
+constexpr long kTextDone = 725;
+constexpr long kTextRuntimeSetupUsed = 730;
+constexpr long kTextRuntimeSetupNotUsed = 731;
+constexpr long kMessageScanning = 908;
+constexpr long kMessageDesignerNotSupported = 1713;
+
+class BusyPointer {
+ public:
+  explicit BusyPointer(ScanView& view) : view_(view) { view_.ShowBusy(/*busy=*/true); }
+  ~BusyPointer() { view_.ShowBusy(/*busy=*/false); }
+  BusyPointer(const BusyPointer&) = delete;
+  BusyPointer& operator=(const BusyPointer&) = delete;
+
+ private:
+  ScanView& view_;
+};
+
+// Stage 2, for projects whose forms were designed with a Visual Basic.
+bool ScanDesignerProject(ScanSession& session, DependencyResolver& resolver) {
+  Application& application = session.App();
+  const std::string studio_project = application.project.StudioProjectFile();
+  return AtScanBorder(application, kMessageScanning, studio_project, [&] {
+    SystemTools& tools = application.platform.tools;
+    const std::string designer =
+        tools.ReadText("Global", "Designer", /*default_value=*/{}, studio_project);
+    if (!IsVisualBasic(designer)) {
+      ShowWarning(application, kMessageDesignerNotSupported, {designer});
+      return true;
+    }
+    const std::string file =
+        tools.ReadText("Global", "DesignerProject", /*default_value=*/{}, studio_project);
+    VisualBasicProjectReader reader(session, resolver);
+    return EqualNoCase(Extension(file), "vbg") ? reader.ReadGroup(file) : reader.ReadProject(file);
+  });
+}
+
+bool RunStages(ScanSession& session) {
+  DependencyResolver resolver(session);
+  // To-do lines of an earlier process are gone, the rows that brought them are not. A document that
+  // has lines was scanned in this process, and they are complete.
+  bool succeeded =
+      !session.App().document.extra_todo_lines.empty() || resolver.AddScriptLinesOfKeptRows();
+  succeeded = ScanStudioProject(session, resolver) && succeeded;
+  if (session.View().IsCancelPressed()) return false;
+  return ScanDesignerProject(session, resolver) && succeeded;
+}
+
+}  // namespace
+
+ScanResult RunScan(Application& application, ScanView& view, SearchFileDialog& dialog) {
+  const bool use_setup = application.use_runtime_setup;
+  view.Begin(use_setup, application.texts.GetText(use_setup ? kTextRuntimeSetupUsed
+                                                            : kTextRuntimeSetupNotUsed));
+  ScanResult result;
+  {
+    const BusyPointer busy(view);
+    result.succeeded =
+        AtScanBorder(application, kMessageScanning, application.project.StudioProjectFile(), [&] {
+          ScanSession session(application, view, dialog);
+          const bool succeeded = RunStages(session);
+          result.missing = session.TakeMissing();
+          return succeeded;
+        });
+  }
+  result.cancelled = view.IsCancelPressed();
+  result.succeeded = result.succeeded && !result.cancelled;
+  if (!result.missing.empty()) view.ShowMissing(result.missing);
+  if (result.succeeded) view.ShowFile({});
+  view.End(result.succeeded, application.texts.GetText(result.succeeded ? kTextDone : kTextFailed));
+  return result;
+}
+
+bool AddFileByHand(Application& application, ScanView& view, SearchFileDialog& dialog,
+                   std::string_view path) {
+  constexpr long kMessageAddingFile = 907;
+  return AtScanBorder(application, kMessageAddingFile, std::string(path), [&] {
+    ScanSession session(application, view, dialog);
+    DependencyResolver resolver(session);
+    return resolver.AddFile(path, Force::kYes, /*dependency_file=*/{});
+  });
+}
+
+}  // namespace txs

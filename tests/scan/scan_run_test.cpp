@@ -1,0 +1,318 @@
+#include "scan/scan_run.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "scan/scan_world.h"
+
+namespace txs {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+class ScanRun : public testing::Test {
+ protected:
+  // A project with something of everything.
+  void SetTheScene() {
+    for (const char* name : {"a.tlb", "b.ocx", "need.dll", "vm.dll"}) world.AddSystemFile(name);
+    world.RegisterLibrary(kGuid1, "2.0", "C:\\Windows\\System32\\a.tlb");
+    world.RegisterLibrary(kGuid2, "1.2", "C:\\Windows\\System32\\b.ocx");
+    world.SetVb6File({"[VB Runtime]", "Uses1=vm.dll", "[b.ocx]", "Register=$(DLLSelfRegister)",
+                      "Uses1=need.dll", "Uses2=COMCAT.DLL", "[dao.dll]", "Replace=mdac_typ.exe"});
+    world.SetProductFile({"[b.ocx]", "Uses1=dao.dll", "I1=b line", "[Tavix4]", "I1=runtime line"});
+    world.AddSystemFile("dao.dll");
+    world.files.AddFile("C:\\Tavix\\SetupKit\\mdac_typ.exe", "");
+    world.files.AddFile("C:\\Tavix\\SetupKit\\Jet40Sp3_Comp.exe", "");
+    world.RegisterDriver("Drv", "C:\\Tavix\\drv.exe", "Driver");
+    world.files.AddFile("C:\\Tavix\\drv.exe", "");
+    world.files.AddFile("C:\\Demo\\a.rct", "");
+    world.SetStudioProject({"[device1]", "ProgID=Drv", "[ServerComponents]", "1=need.dll"});
+    world.SetVbProject({"Type=Exe", "Reference=*\\G" + std::string(kGuid1) + "#2.0#0#a.tlb#A",
+                        "Object=" + std::string(kGuid2) + "#1.2#0; b.ocx", "ExeName32=\"Demo.exe\"",
+                        "Path32=\"\""});
+  }
+
+  ScanWorld world;
+};
+
+TEST_F(ScanRun, EndsWithTheOkLineAndAnEmptyFileLabel) {
+  const ScanResult result = world.Run();
+
+  EXPECT_TRUE(result.succeeded);
+  EXPECT_EQ(world.view.result, true);
+  EXPECT_EQ(world.view.files.back(), "");
+  EXPECT_FALSE(world.view.busy);
+  EXPECT_THAT(world.view.diary,
+              ElementsAre("begin", "busy", "stage 704", "caption TavixStudio", "caption TXS-Datei",
+                          "caption Server-Komponenten", "caption Treiberprogramme",
+                          "stage 704 done", "stage 705", "caption Visual Basic",
+                          "caption Zusatzfunktionen", "caption EXE-Datei", "stage 705 done",
+                          "not busy", "end OK: Project succesfully scanned!"));
+}
+
+TEST(ScanRunTexts, ComeInBothLanguages) {
+  for (const long language : {1031L, 1033L}) {
+    const TextService texts(language);
+    ScanWorld good;
+    good.Speak(language);
+    good.application.use_runtime_setup = true;
+    good.application.project.type = 8;
+    static_cast<void>(good.Run());
+    EXPECT_EQ(good.view.result_line, texts.GetText(725));
+    EXPECT_EQ(good.view.note, texts.GetText(730));
+    EXPECT_TRUE(good.view.use_runtime_setup);
+
+    ScanWorld bad;
+    bad.Speak(language);
+    bad.files.Vanish("C:\\Demo\\Demo.exe");
+    static_cast<void>(bad.Run());
+    EXPECT_EQ(bad.view.result_line, texts.GetText(724));
+    EXPECT_EQ(bad.view.note, texts.GetText(731));
+    EXPECT_FALSE(bad.view.use_runtime_setup);
+
+    ScanWorld other;
+    other.Speak(language);
+    other.SetStudioProject({}, "Delphi 5.0");
+    static_cast<void>(other.Run());
+    EXPECT_EQ(other.messages.shown.at(0).prompt, texts.GetText(1713, {"Delphi 5.0"}));
+  }
+}
+
+TEST_F(ScanRun, ListsEverythingOnceInTheOrderOfTheStages) {
+  SetTheScene();
+
+  const ScanResult result = world.Run();
+
+  EXPECT_TRUE(result.succeeded);
+  EXPECT_THAT(world.Kinds(),
+              ElementsAre("Demo.txs 0", "need.dll 0", "drv.exe 0", "a.rct 0", "vm.dll 0", "a.tlb 0",
+                          "b.ocx 1", "mdac_typ.exe 0", "Jet40Sp3_Comp.exe 0", "Demo.exe 0"));
+  EXPECT_THAT(world.ToDo(), Contains("b line"));
+  EXPECT_THAT(world.ToDo(), Contains("runtime line"));
+  EXPECT_THAT(result.missing,
+              ElementsAre(MissingItem{"COMCAT.DLL", {"Demo.vbp", "b.ocx", "COMCAT.DLL"}}));
+  EXPECT_EQ(world.view.missing, result.missing);
+}
+
+TEST_F(ScanRun, AddsNothingTheSecondTime) {
+  SetTheScene();
+  static_cast<void>(world.Run());
+  const FileList rows = world.application.document.files;
+  const std::vector<std::string> lines = world.ToDo();
+
+  static_cast<void>(world.Run());
+
+  EXPECT_EQ(world.application.document.files.Rows(), rows.Rows());
+  EXPECT_EQ(world.ToDo(), lines);
+}
+
+TEST_F(ScanRun, KeepsTheUsersEditsAndDeletions) {
+  SetTheScene();
+  static_cast<void>(world.Run());
+  FileList& list = world.application.document.files;
+  const std::size_t ocx = list.Find("<WinSysDir>\\b.ocx", FileColumn::kSource);
+  list.SetCell(ocx, FileColumn::kDestination, "<UserDir1>");
+  list.SetCell(ocx, FileColumn::kRegister, "0");
+  const std::size_t runtime = list.Find("<WinSysDir>\\vm.dll", FileColumn::kSource);
+  list.SetCell(runtime, FileColumn::kDestination, "");
+
+  static_cast<void>(world.Run());
+
+  EXPECT_EQ(list.Row(ocx).destination, "<UserDir1>");
+  EXPECT_EQ(list.Row(ocx).registration, "0");
+  EXPECT_EQ(list.Row(runtime).destination, "");
+}
+
+TEST_F(ScanRun, LeavesADeletedFileBelowAKeptRowDeleted) {
+  SetTheScene();
+  world.SetStudioProject({});
+  static_cast<void>(world.Run());
+  FileList& list = world.application.document.files;
+  list.DeleteRows({list.Find("<WinSysDir>\\need.dll", FileColumn::kSource)});
+
+  static_cast<void>(world.Run());
+
+  EXPECT_THAT(world.Kinds(), Not(Contains("need.dll 0")));
+}
+
+// Rows come back from the settings file in the next process, script lines do not.
+TEST_F(ScanRun, GivesTheScriptLinesBackToRowsOutOfTheSettingsFile) {
+  SetTheScene();
+  static_cast<void>(world.Run());
+  std::vector<std::string> lines = world.ToDo();
+  const FileList rows = world.application.document.files;
+  world.application.document.extra_todo_lines.clear();
+
+  static_cast<void>(world.Run());
+
+  std::vector<std::string> again = world.ToDo();
+  std::sort(lines.begin(), lines.end());
+  std::sort(again.begin(), again.end());
+  EXPECT_EQ(again, lines);
+  EXPECT_EQ(world.application.document.files.Rows(), rows.Rows());
+}
+
+TEST_F(ScanRun, EndsBeforeTheVisualBasicStageWhenCancelledInTheFirst) {
+  SetTheScene();
+  world.view.on_events = [](RecordingScanView& view) { view.PressCancel(); };
+
+  const ScanResult result = world.Run();
+
+  EXPECT_FALSE(result.succeeded);
+  EXPECT_TRUE(result.cancelled);
+  EXPECT_EQ(world.view.result_line, TextService(1033).GetText(724));
+  EXPECT_THAT(world.view.diary, Not(Contains("stage 705")));
+}
+
+TEST_F(ScanRun, KeepsWhatItHadWhereverItIsCancelled) {
+  SetTheScene();
+  static_cast<void>(world.Run());
+  const std::vector<std::string> whole = world.Sources();
+  const std::size_t events = world.view.events_run;
+
+  for (std::size_t at = 1; at <= events; ++at) {
+    world.application.document.files.Clear();
+    world.application.document.extra_todo_lines.clear();
+    world.view.events_run = 0;
+    world.view.on_events = [&](RecordingScanView& view) {
+      if (view.events_run == at) view.PressCancel();
+    };
+
+    const ScanResult result = world.Run();
+
+    EXPECT_FALSE(result.succeeded) << at;
+    const std::vector<std::string> part = world.Sources();
+    ASSERT_LE(part.size(), whole.size()) << at;
+    EXPECT_TRUE(std::equal(part.begin(), part.end(), whole.begin())) << at;
+  }
+}
+
+TEST_F(ScanRun, AcceptsAnUnsupportedDesigner) {
+  world.SetStudioProject({}, "Delphi 5.0");
+
+  const ScanResult result = world.Run();
+
+  EXPECT_TRUE(result.succeeded);
+  EXPECT_THAT(world.messages.Ids(), ElementsAre(1713));
+  EXPECT_EQ(world.view.result_line, TextService(1033).GetText(725));
+  EXPECT_THAT(world.view.diary, Not(Contains("stage 705")));
+}
+
+TEST_F(ScanRun, AsksAboutAnEmptyDesignerToo) {
+  world.SetStudioProject({}, "");
+
+  EXPECT_TRUE(world.Run().succeeded);
+
+  EXPECT_THAT(world.messages.Ids(), ElementsAre(1713));
+}
+
+TEST_F(ScanRun, ReadsAGroupByItsExtensionOfAnyCase) {
+  world.SetStudioProject({}, "VISUAL BASIC 6.0", "All.VBG");
+  world.files.AddFile("C:\\Demo\\All.VBG", Lines({"StartupProject=Demo.vbp"}));
+
+  EXPECT_TRUE(world.Run().succeeded);
+
+  EXPECT_THAT(world.Kinds(), Contains("Demo.exe 0"));
+}
+
+TEST_F(ScanRun, RunsTheVisualBasicStageAfterAFailedFirstStage) {
+  world.files.FailPath("C:\\Demo", "List", ErrorNumber::kDeviceIo);
+
+  const ScanResult result = world.Run();
+
+  EXPECT_FALSE(result.succeeded);
+  EXPECT_THAT(world.Kinds(), Contains("Demo.exe 0"));
+  EXPECT_THAT(world.view.diary, Contains("stage 705 done"));
+}
+
+TEST_F(ScanRun, NamesAMissingDesignerProject) {
+  world.SetStudioProject({}, "Visual Basic 6.0", "");
+
+  EXPECT_FALSE(world.Run().succeeded);
+
+  EXPECT_THAT(world.messages.Ids(), Contains(908));
+}
+
+TEST_F(ScanRun, OpensEachFileOnceAndListsEachFolderOnce) {
+  SetTheScene();
+  world.SetVb6File({"[b.ocx]", "Uses1=no1.dll", "Uses2=no2.dll", "Uses3=no3.dll"});
+  for (int i = 0; i < 10; ++i) world.files.AddFolder("C:\\Demo\\Sub" + std::to_string(i));
+
+  static_cast<void>(world.Run());
+
+  std::multiset<std::string> opened;
+  std::multiset<std::string> listed;
+  for (const auto& entry : world.files.diary) {
+    const bool is_pattern_of_its_own = entry.path == "C:\\Demo";  // the ".rct" files
+    if (entry.operation == "OpenForReading") opened.insert(FoldCase(entry.path));
+    if (entry.operation == "List" && !is_pattern_of_its_own) listed.insert(FoldCase(entry.path));
+  }
+  for (const std::string& path : opened) EXPECT_EQ(opened.count(path), 1u) << path;
+  for (const std::string& path : listed) EXPECT_EQ(listed.count(path), 1u) << path;
+  EXPECT_EQ(world.view.missing.size(), 3u);
+}
+
+TEST_F(ScanRun, SurvivesEveryFailureOfThePlatform) {
+  SetTheScene();
+  const std::uint64_t before = world.files.OperationCount();
+  static_cast<void>(world.Run());
+  const std::uint64_t operations = world.files.OperationCount() - before;
+  ASSERT_GT(operations, 20u);
+
+  for (std::uint64_t at = 1; at <= operations; ++at) {
+    for (const bool once : {true, false}) {
+      world.application.document.files.Clear();
+      world.application.document.extra_todo_lines.clear();
+      world.messages.shown.clear();
+      if (once) {
+        world.files.FailOperation(at, ErrorNumber::kDeviceIo);
+      } else {
+        world.files.FailFrom(at, ErrorNumber::kDeviceIo);
+      }
+
+      const ScanResult result = world.Run();
+
+      if (!result.succeeded) {
+        EXPECT_THAT(world.messages.Ids(), testing::Contains(testing::AnyOf(907, 908, 1711))) << at;
+      }
+      world.files.StopFailing();
+    }
+  }
+}
+
+TEST_F(ScanRun, IsSilentWhereNobodyLooks) {
+  SetTheScene();
+  SilentScanView view;
+  IgnoreMissingFiles nobody;
+
+  const ScanResult result = RunScan(world.application, view, nobody);
+
+  EXPECT_TRUE(result.succeeded);
+  EXPECT_EQ(result.missing.size(), 1u);
+}
+
+TEST(ChainText, JoinsWithArrows) {
+  EXPECT_EQ(ChainText({"Demo.vbp", "MSCOMCTL.OCX", "COMCAT.DLL"}),
+            "Demo.vbp → MSCOMCTL.OCX → COMCAT.DLL");
+}
+
+TEST_F(ScanRun, AddsAFileByHandOnceMoreWithWhatItNeeds) {
+  SetTheScene();
+  const auto add = [&] {
+    return AddFileByHand(world.application, world.view, world.dialog,
+                         "C:\\Windows\\System32\\b.ocx");
+  };
+
+  EXPECT_TRUE(add());
+  EXPECT_TRUE(add());
+
+  EXPECT_THAT(world.Kinds(), ElementsAre("b.ocx 1", "need.dll 0", "b.ocx 1"));
+}
+
+}  // namespace
+}  // namespace txs
