@@ -44,6 +44,16 @@ std::string OneLine(std::string text) {
   return text;
 }
 
+// "1 disk", "3 disks"
+std::string Counted(std::uint64_t count, const char* noun) {
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+std::string Summary(std::uint64_t disks, std::uint64_t files, std::uint64_t bytes) {
+  return Counted(disks, "disk") + ", " + Counted(files, "file") + ", " + Counted(bytes, "byte") +
+         " in archives";
+}
+
 // --- projects
 
 std::string ShownType(const RegisteredProject& project) {
@@ -116,9 +126,10 @@ struct LoadedProject {
   // A mistyped name deserves a better word than that its program was never built.
   bool IsThere(Platform& platform) {
     const CurrentProject& project = application->project;
+    const std::string group_file = project.directory + "\\" + project.name + ".vbg";
     if (!project.directory.empty() && (platform.files.FileExists(project.SettingsFile()) ||
-                                       LookUpProject(platform, project.name).exists ||
-                                       platform.files.FileExists(project.StudioProjectFile()))) {
+                                       platform.files.FileExists(project.StudioProjectFile()) ||
+                                       platform.files.FileExists(group_file))) {
       return true;
     }
     messages.ShowMessage(application->texts.Compose(kMessageCannotEdit, {project.name}));
@@ -154,23 +165,22 @@ int Create(ToolContext& context, const Options& options) {
                         {"bytes", result.archive_bytes},
                         {"messages", ToJson(project.messages.Shown())}});
   } else if (result.succeeded) {
-    context.out << result.output_directory << ": " << result.disks << " disks, " << result.files
-                << " files, " << result.archive_bytes << " bytes in archives\n";
+    context.out << OneLine(result.output_directory) << ": "
+                << Summary(result.disks, result.files, result.archive_bytes) << '\n';
   }
   return result.succeeded ? kToolDone : kToolFailed;
 }
 
 void PrintPlan(std::ostream& out, const CreatePlan& plan) {
   for (const CreatePlan::File& file : plan.files) {
-    out << OneLine(file.archive) << ": " << file.archive_bytes << " bytes";
+    out << OneLine(file.archive) << ": " << Counted(file.archive_bytes, "byte");
     for (std::size_t i = 0; i < file.disks.size(); ++i) {
       out << (i == 0 ? " on disk " : ", ") << file.disks[i];
     }
     out << '\n';
   }
   if (plan.fits) {
-    out << plan.disks << " disks, " << plan.files.size() << " files, " << plan.archive_bytes
-        << " bytes in archives\n";
+    out << Summary(plan.disks, plan.files.size(), plan.archive_bytes) << '\n';
   } else {
     out << "does not fit: the setup kit alone needs more than one disk\n";
   }
@@ -217,8 +227,7 @@ int Verify(ToolContext& context, const Options& options) {
                         {"bytes", result.bytes},
                         {"damages", damages}});
   } else if (result.Sound()) {
-    context.out << "sound: " << result.disks << " disks, " << result.files << " files, "
-                << result.bytes << " bytes in archives\n";
+    context.out << "sound: " << Summary(result.disks, result.files, result.bytes) << '\n';
   } else {
     for (const Damage& damage : result.damages) {
       context.out << OneLine(damage.where + ": " + damage.what) << '\n';
@@ -259,6 +268,17 @@ int Parse(const std::vector<std::string>& arguments, ToolContext& context) {
   add("verify", "Read a finished installation back and check it", "DIRECTORY",
       "Directory that holds DISK1, as the host or as Windows writes it", Verify);
 
+  // The parser would only say that a command is missing.
+  const bool is_unknown =
+      !arguments.empty() && !arguments[0].starts_with('-') &&
+      std::none_of(commands.begin(), commands.end(), [&arguments](const auto& known) {
+        return known.first->get_name() == arguments[0];
+      });
+  if (is_unknown) {
+    context.err << "Unknown command '" << OneLine(arguments[0])
+                << "'\nRun with --help for more information.\n";
+    return kToolWrongUsage;
+  }
   try {
     // The parser takes the arguments from the back.
     app.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));

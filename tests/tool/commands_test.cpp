@@ -1,0 +1,375 @@
+#include "tool/commands.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "environment/installation.h"
+#include "fakes/demo_project.h"
+#include "fakes/memory_platform.h"
+
+namespace txs {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::StartsWith;
+
+struct CommandsTest : ::testing::Test {
+  MemoryPlatform world;
+  std::ostringstream out;
+  std::ostringstream err;
+  bool platform_fails = false;
+  bool platform_asked = false;
+
+  CommandsTest() {
+    InstallDemoProject(world);
+    world.registry.Write(Hive::kLocalMachine, kStudioKey, "LCID", std::uint32_t{1033});
+  }
+
+  int Run(const std::vector<std::string>& arguments) {
+    ToolContext context{.out = out,
+                        .err = err,
+                        .err_is_terminal = false,
+                        .version = "1.2.3",
+                        .platform = [this]() -> Platform& {
+                          platform_asked = true;
+                          if (platform_fails) {
+                            throw RuntimeError(ErrorNumber::kPathFileAccess, "registry.reg");
+                          }
+                          return world.Get();
+                        },
+                        .windows_path = [](const std::string& path) -> std::optional<std::string> {
+                          if (path == "./Setup") return "C:\\Projects\\Demo\\Setup";
+                          return std::nullopt;
+                        }};
+    return RunTool(arguments, context);
+  }
+
+  [[nodiscard]] std::uint64_t ArchiveBytes(const std::string& archive) const {
+    return world.files.Contents("C:\\Projects\\Demo\\Setup\\DISK1\\" + archive).size();
+  }
+};
+
+// --- Usage
+
+TEST_F(CommandsTest, HelpAndVersionNeedNoComputer) {
+  EXPECT_EQ(Run({"--help"}), 0);
+  EXPECT_EQ(Run({"create", "--help"}), 0);
+  EXPECT_THAT(out.str(), HasSubstr("verify"));
+  out.str("");
+  EXPECT_EQ(Run({"--version"}), 0);
+
+  EXPECT_EQ(out.str(), "TXSetupTool 1.2.3\n");
+  EXPECT_EQ(err.str(), "");
+  EXPECT_FALSE(platform_asked);
+}
+
+class WrongUsage : public CommandsTest,
+                   public ::testing::WithParamInterface<std::vector<std::string>> {};
+
+TEST_P(WrongUsage, EndsWithExitCode2AndAHint) {
+  EXPECT_EQ(Run(GetParam()), 2);
+
+  EXPECT_EQ(out.str(), "");
+  EXPECT_THAT(err.str(), HasSubstr("--help"));
+  EXPECT_FALSE(platform_asked);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Lines, WrongUsage,
+    ::testing::Values(std::vector<std::string>{}, std::vector<std::string>{"scan"},
+                      std::vector<std::string>{"scan", "Demo"}, std::vector<std::string>{"create"},
+                      std::vector<std::string>{"create", "Demo", "Other"},
+                      std::vector<std::string>{"create", "Demo", "--scan"},
+                      std::vector<std::string>{"plan"}, std::vector<std::string>{"verify"},
+                      std::vector<std::string>{"projects", "Demo"},
+                      std::vector<std::string>{"--json"},
+                      std::vector<std::string>{"verify", "--what", "C:\\"}));
+
+TEST_F(CommandsTest, ComputerThatCannotBeReadEndsWithItsReason) {
+  platform_fails = true;
+
+  for (const std::vector<std::string>& line :
+       std::vector<std::vector<std::string>>{{"projects"}, {"create", "Demo"}, {"plan", "Demo"}}) {
+    err.str("");
+    EXPECT_EQ(Run(line), 1);
+    EXPECT_THAT(err.str(), HasSubstr("registry.reg (75)"));
+  }
+  EXPECT_EQ(out.str(), "");
+}
+
+TEST_F(CommandsTest, ResultThatCannotBeWrittenIsAFailure) {
+  out.setstate(std::ios::badbit);
+
+  EXPECT_EQ(Run({"projects"}), 1);
+}
+
+// --- projects
+
+TEST_F(CommandsTest, ProjectsAreListedAndNoneIsRemoved) {
+  world.RegisterProject("Klärwerk", "C:\\K", "Group");
+  world.RegisterProject("Weg", "C:\\W\\", "77");
+  world.files.Vanish("C:\\W\\Weg.txs");
+
+  EXPECT_EQ(Run({"projects"}), 0);
+  EXPECT_EQ(Run({"projects"}), 0);
+
+  const std::string listed =
+      "Demo      Single  C:\\Projects\\Demo\\\n"
+      "Klärwerk  Group   C:\\K\n"
+      "Weg       77      C:\\W\\              project file missing\n";
+  EXPECT_EQ(out.str(), listed + listed);
+  EXPECT_EQ(err.str(), "");
+}
+
+TEST_F(CommandsTest, ProjectsAsJson) {
+  world.RegisterProject("Weg", "C:\\W\\", "4");
+  world.files.Vanish("C:\\W\\Weg.txs");
+
+  EXPECT_EQ(Run({"projects", "--json"}), 0);
+
+  EXPECT_EQ(out.str(),
+            "{\n"
+            "  \"projects\": [\n"
+            "    {\n"
+            "      \"name\": \"Demo\",\n"
+            "      \"type\": \"Single\",\n"
+            "      \"directory\": \"C:\\\\Projects\\\\Demo\\\\\",\n"
+            "      \"exists\": true\n"
+            "    },\n"
+            "    {\n"
+            "      \"name\": \"Weg\",\n"
+            "      \"type\": \"Client\",\n"
+            "      \"directory\": \"C:\\\\W\\\\\",\n"
+            "      \"exists\": false\n"
+            "    }\n"
+            "  ]\n"
+            "}\n");
+}
+
+TEST_F(CommandsTest, NoProjectsAreAnEmptyList) {
+  world.registry.RemoveKey(Hive::kLocalMachine, kProjectsKey);
+
+  EXPECT_EQ(Run({"projects", "--json"}), 0);
+
+  EXPECT_EQ(out.str(), "{\n  \"projects\": []\n}\n");
+}
+
+// --- create
+
+TEST_F(CommandsTest, CreateBuildsTheInstallation) {
+  EXPECT_EQ(Run({"create", "Demo"}), 0);
+
+  EXPECT_THAT(out.str(), StartsWith("C:\\Projects\\Demo\\Setup: 1 disk, 3 files, "));
+  EXPECT_EQ(err.str(), "");
+  EXPECT_TRUE(world.files.Has("C:\\Projects\\Demo\\Setup\\DISK1\\SETUP.STP"));
+  EXPECT_TRUE(world.message_boxes.shown.empty());
+  EXPECT_FALSE(world.files.Has("C:\\Projects\\Demo\\TXSetupWizard.log"));
+}
+
+TEST_F(CommandsTest, CreateAsJson) {
+  EXPECT_EQ(Run({"create", "C:\\Projects\\Demo\\Demo.txs", "--json"}), 0);
+
+  const std::uint64_t bytes =
+      ArchiveBytes("Demo.exe.zip") + ArchiveBytes("Trend.ocx.zip") + ArchiveBytes("leer.txt.zip");
+  EXPECT_EQ(out.str(),
+            "{\n"
+            "  \"result\": true,\n"
+            "  \"output\": \"C:\\\\Projects\\\\Demo\\\\Setup\",\n"
+            "  \"disks\": 1,\n"
+            "  \"files\": 3,\n"
+            "  \"bytes\": " +
+                std::to_string(bytes) +
+                ",\n"
+                "  \"messages\": []\n"
+                "}\n");
+}
+
+TEST_F(CommandsTest, FailedCreateTellsItsMessages) {
+  world.files.Vanish("C:\\TavixStudio\\SetupKit\\SETUP.EXE");
+
+  EXPECT_EQ(Run({"create", "Demo"}), 1);
+
+  EXPECT_EQ(out.str(), "");
+  EXPECT_THAT(err.str(), StartsWith("message 909: Error copying the file 'SETUP.EXE'!\n(53: "));
+  EXPECT_THAT(err.str(), ::testing::Not(HasSubstr("\r")));
+}
+
+TEST_F(CommandsTest, FailedCreateAsJsonHoldsItsMessages) {
+  world.files.AddFile("C:\\TavixStudio\\SetupKit\\TXSTPKIT.INI", "[SetupFiles]\r\n");
+  world.files.Vanish("C:\\Projects\\Demo\\Demo.swz");
+
+  EXPECT_EQ(Run({"create", "Demo", "--json"}), 1);
+
+  EXPECT_THAT(out.str(), StartsWith("{\n"
+                                    "  \"result\": false,\n"
+                                    "  \"output\": \"\",\n"
+                                    "  \"disks\": 0,\n"));
+  EXPECT_THAT(out.str(), HasSubstr("\"messages\": [\n"
+                                   "    {\n"
+                                   "      \"id\": 1711,\n"
+                                   "      \"text\": \"The binary file of the Visual Basic project "
+                                   "is missing!\\r\\nPlease"));
+}
+
+TEST_F(CommandsTest, UnknownProjectIsMessage901) {
+  for (const char* project : {"Other", "C:\\Nowhere\\Demo.txs.txs", "C:\\Nowhere\\Other"}) {
+    err.str("");
+    EXPECT_EQ(Run({"create", project}), 1) << project;
+    EXPECT_THAT(err.str(), StartsWith("message 901: ")) << project;
+  }
+  EXPECT_EQ(Run({"plan", "Other"}), 1);
+  EXPECT_EQ(out.str(), "");
+}
+
+TEST_F(CommandsTest, RegisteredProjectInAnotherDirectoryIsNotTakenForIt) {
+  EXPECT_EQ(Run({"create", "C:\\Nowhere\\Demo.txs"}), 1);
+
+  EXPECT_THAT(err.str(), StartsWith("message 901: "));
+}
+
+TEST_F(CommandsTest, UnreadableSettingsAreMessage901WithItsReason) {
+  world.files.FailPath("C:\\Projects\\Demo\\Demo.swz", "OpenForReading",
+                       ErrorNumber::kPermissionDenied);
+
+  EXPECT_EQ(Run({"create", "Demo"}), 1);
+
+  EXPECT_THAT(err.str(), StartsWith("message 901: "));
+  EXPECT_THAT(err.str(), HasSubstr("\n(70: "));
+}
+
+TEST_F(CommandsTest, StudioThatIsMissingIsMessage91Or92) {
+  world.files.Vanish("C:\\TavixStudio\\Studio");
+  EXPECT_EQ(Run({"create", "Demo"}), 1);
+  EXPECT_THAT(err.str(), StartsWith("message 92: "));
+
+  err.str("");
+  world.registry.RemoveKey(Hive::kLocalMachine, kVendorKey);
+  EXPECT_EQ(Run({"plan", "Demo"}), 1);
+  EXPECT_THAT(err.str(), StartsWith("message 91: "));
+  EXPECT_TRUE(world.message_boxes.shown.empty());
+}
+
+TEST_F(CommandsTest, MissingConfiguratorIsMessage94) {
+  world.configurator_available = false;
+
+  EXPECT_EQ(Run({"create", "Demo", "--json"}), 1);
+
+  EXPECT_THAT(err.str(), StartsWith("message 94: "));
+  EXPECT_THAT(out.str(), HasSubstr("\"id\": 94,"));
+}
+
+// --- plan
+
+TEST_F(CommandsTest, PlanAsJsonIsWhatCreateDoes) {
+  EXPECT_EQ(Run({"plan", "Demo", "--json"}), 0);
+
+  EXPECT_FALSE(world.files.Has("C:\\Projects\\Demo\\Setup"));
+  EXPECT_FALSE(world.files.Has("C:\\Projects\\Demo\\~TEMP"));
+  const std::string planned = out.str();
+  ASSERT_EQ(Run({"create", "Demo"}), 0);
+  const auto file = [this](const std::string& archive) {
+    return "    {\n      \"archive\": \"" + archive +
+           "\",\n      \"bytes\": " + std::to_string(ArchiveBytes(archive)) +
+           ",\n      \"disks\": [\n        1\n      ]\n    }";
+  };
+  EXPECT_EQ(planned, "{\n  \"disks\": 1,\n  \"files\": [\n" + file("Demo.exe.zip") + ",\n" +
+                         file("Trend.ocx.zip") + ",\n" + file("leer.txt.zip") + "\n  ]\n}\n");
+}
+
+TEST_F(CommandsTest, PlanListsEveryFile) {
+  EXPECT_EQ(Run({"plan", "Demo"}), 0);
+
+  EXPECT_THAT(out.str(), HasSubstr(" bytes on disk 1\n"));
+  EXPECT_THAT(out.str(), HasSubstr("1 disk, 3 files, "));
+}
+
+TEST_F(CommandsTest, KitThatExceedsTheMediumDoesNotFit) {
+  std::string settings = DemoSettings();
+  settings.replace(settings.find("size=1"), 6, "size=0");
+  world.files.AddFile("C:\\Projects\\Demo\\Demo.swz", settings);
+  world.files.AddFile("C:\\TavixStudio\\SetupKit\\SETUP.EXE", std::string(1457152, 'x'));
+
+  EXPECT_EQ(Run({"plan", "Demo"}), 4);
+
+  EXPECT_THAT(err.str(), StartsWith("message 912: "));
+  EXPECT_THAT(out.str(), HasSubstr("does not fit"));
+}
+
+TEST_F(CommandsTest, FailedPlanPrintsNoResult) {
+  world.files.Vanish("C:\\Projects\\Demo\\Trend.ocx");
+
+  EXPECT_EQ(Run({"plan", "Demo", "--json"}), 1);
+
+  EXPECT_EQ(out.str(), "");
+  EXPECT_THAT(err.str(), StartsWith("message 1709: "));
+}
+
+// --- verify
+
+TEST_F(CommandsTest, VerifyFindsASoundInstallation) {
+  ASSERT_EQ(Run({"create", "Demo"}), 0);
+  out.str("");
+
+  EXPECT_EQ(Run({"verify", "C:\\Projects\\Demo\\Setup"}), 0);
+
+  EXPECT_THAT(out.str(), StartsWith("sound: 1 disk, 3 files, "));
+  EXPECT_EQ(err.str(), "");
+}
+
+TEST_F(CommandsTest, VerifyTakesAPathOfTheHostAndNeedsNoStudio) {
+  ASSERT_EQ(Run({"create", "Demo"}), 0);
+  world.registry.RemoveKey(Hive::kLocalMachine, kVendorKey);
+
+  EXPECT_EQ(Run({"verify", "./Setup"}), 0);
+}
+
+TEST_F(CommandsTest, VerifyListsEachDamageOnItsLine) {
+  ASSERT_EQ(Run({"create", "Demo"}), 0);
+  world.files.Vanish("C:\\Projects\\Demo\\Setup\\DISK1\\DISK1");
+  world.files.Vanish("C:\\Projects\\Demo\\Setup\\DISK1\\Trend.ocx.zip");
+  out.str("");
+
+  EXPECT_EQ(Run({"verify", "C:\\Projects\\Demo\\Setup"}), 5);
+
+  EXPECT_EQ(out.str(),
+            "DISK1\\DISK1: the label file is missing\n"
+            "DISK1\\Trend.ocx.zip: the archive is missing\n");
+}
+
+TEST_F(CommandsTest, VerifyAsJson) {
+  ASSERT_EQ(Run({"create", "Demo"}), 0);
+  const std::uint64_t bytes = ArchiveBytes("Demo.exe.zip") + ArchiveBytes("leer.txt.zip");
+  world.files.Vanish("C:\\Projects\\Demo\\Setup\\DISK1\\Trend.ocx.zip");
+  out.str("");
+
+  EXPECT_EQ(Run({"verify", "C:\\Projects\\Demo\\Setup", "--json"}), 5);
+
+  EXPECT_EQ(out.str(),
+            "{\n"
+            "  \"sound\": false,\n"
+            "  \"disks\": 1,\n"
+            "  \"files\": 3,\n"
+            "  \"bytes\": " +
+                std::to_string(bytes) +
+                ",\n"
+                "  \"damages\": [\n"
+                "    {\n"
+                "      \"where\": \"DISK1\\\\Trend.ocx.zip\",\n"
+                "      \"what\": \"the archive is missing\"\n"
+                "    }\n"
+                "  ]\n"
+                "}\n");
+}
+
+TEST_F(CommandsTest, VerifyOfADirectoryThatDoesNotExistFails) {
+  EXPECT_EQ(Run({"verify", "C:\\Nowhere"}), 1);
+
+  EXPECT_EQ(out.str(), "");
+  EXPECT_THAT(err.str(), HasSubstr("(76)"));
+}
+
+}  // namespace
+}  // namespace txs
