@@ -34,6 +34,7 @@ esac
 # Building says little and goes to standard error, so that the output of a command stays its own.
 tools/install_packages.sh build
 mkdir -p build
+[ -e "$build/build.ninja" ] || echo "Building; the first time takes a minute or two." >&2
 {
   cmake --preset core -B "$build" -D TXS_TESTS=OFF -D TXS_BENCHMARKS=OFF > build/run.log 2>&1 &&
     cmake --build "$build" --target TXSetupWizard TXSetupTool make_sample_binaries \
