@@ -9,9 +9,11 @@
 #include <nlohmann/json.hpp>
 
 #include "create/create_run.h"
+#include "document/settings_file.h"
 #include "environment/project_type.h"
 #include "environment/windows_path.h"
 #include "projects/project_registry.h"
+#include "scan/scan_run.h"
 #include "startup/application_start.h"
 #include "tool/project_argument.h"
 #include "tool/tool_messages.h"
@@ -24,10 +26,13 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr long kMessageCannotEdit = 901;
+constexpr long kMessageWriting = 911;
 
 struct Options {
   std::string subject;  // PROJECT or DIRECTORY
   bool json = false;
+  bool scan = false;  // create: scan first
+  bool save = false;  // scan: write the settings file
 };
 
 void PrintJson(ToolContext& context, const Json& json) {
@@ -106,7 +111,7 @@ int ListProjects(ToolContext& context, const Options& options) {
   return kToolDone;
 }
 
-// --- create and plan
+// --- scan, create and plan
 
 // A project loaded from its settings, and what was said on the way.
 struct LoadedProject {
@@ -150,20 +155,107 @@ Json ToJson(const std::vector<Message>& messages) {
   return list;
 }
 
+Json ToJson(const std::vector<MissingItem>& missing) {
+  Json list = Json::array();
+  for (const MissingItem& item : missing) {
+    list.push_back({{"name", item.name}, {"chain", item.chain}});
+  }
+  return list;
+}
+
+// Nobody is there to look for a missing file: it is left out and reported.
+ScanResult RunQuietScan(LoadedProject& project) {
+  ScanLineView view(project.line, project.application->texts);
+  IgnoreMissingFiles nobody;
+  return RunScan(*project.application, view, nobody);
+}
+
+bool SaveSettings(LoadedProject& project) {
+  Application& application = *project.application;
+  try {
+    WriteSettings(application);
+    return true;
+  } catch (const RuntimeError& error) {
+    ShowError(application, kMessageWriting, {application.project.SettingsFile()}, error);
+    return false;
+  }
+}
+
+void PrintMissing(std::ostream& stream, const std::vector<MissingItem>& missing) {
+  for (const MissingItem& item : missing) {
+    stream << "missing: " << OneLine(ChainText(item.chain)) << '\n';
+  }
+}
+
+void PrintScan(std::ostream& out, const SetupDocument& document, const ScanResult& result) {
+  std::vector<std::array<std::string, 4>> rows;
+  for (const FileRow& row : document.files.Rows()) {
+    rows.push_back({OneLine(row.source), OneLine(row.destination), OneLine(row.registration), ""});
+  }
+  PrintTable(out, rows);
+  for (const std::string& line : document.extra_todo_lines) {
+    out << "to do: " << OneLine(line) << '\n';
+  }
+  PrintMissing(out, result.missing);
+  out << Counted(rows.size(), "file") << ", "
+      << Counted(document.extra_todo_lines.size(), "to-do line") << ", " << result.missing.size()
+      << " missing\n";
+}
+
+Json ScanToJson(const SetupDocument& document, const ScanResult& result,
+                const std::vector<Message>& messages) {
+  Json rows = Json::array();
+  for (const FileRow& row : document.files.Rows()) {
+    rows.push_back(
+        {{"source", row.source}, {"destination", row.destination}, {"register", row.registration}});
+  }
+  return {{"result", result.succeeded},        {"program", document.program_name},
+          {"rows", std::move(rows)},           {"todo", document.extra_todo_lines},
+          {"missing", ToJson(result.missing)}, {"messages", ToJson(messages)}};
+}
+
+int Scan(ToolContext& context, const Options& options) {
+  LoadedProject project(context, options.subject);
+  ScanResult result;
+  if (project.usable) {
+    result = RunQuietScan(project);
+    // What a failed scan found is no basis for the next one.
+    if (options.save && result.succeeded && !SaveSettings(project)) result.succeeded = false;
+  }
+  const SetupDocument nothing;
+  const SetupDocument& document = project.usable ? project.application->document : nothing;
+  if (options.json) {
+    PrintJson(context, ScanToJson(document, result, project.messages.Shown()));
+  } else if (project.usable) {
+    PrintScan(context.out, document, result);
+  }
+  if (!result.succeeded) return kToolFailed;
+  return result.missing.empty() ? kToolDone : kToolSomethingMissing;
+}
+
 int Create(ToolContext& context, const Options& options) {
   LoadedProject project(context, options.subject);
+  ScanResult scanned;
+  bool ready = project.usable;
+  if (ready && options.scan) {
+    scanned = RunQuietScan(project);
+    PrintMissing(context.err, scanned.missing);
+    ready = scanned.succeeded;
+  }
   CreateResult result;
-  if (project.usable) {
+  if (ready) {
     ProgressLineView view(project.line, project.application->texts);
     result = RunCreate(*project.application, view);
   }
   if (options.json) {
-    PrintJson(context, {{"result", result.succeeded},
-                        {"output", result.output_directory},
-                        {"disks", result.disks},
-                        {"files", result.files},
-                        {"bytes", result.archive_bytes},
-                        {"messages", ToJson(project.messages.Shown())}});
+    Json json = {{"result", result.succeeded},
+                 {"output", result.output_directory},
+                 {"disks", result.disks},
+                 {"files", result.files},
+                 {"bytes", result.archive_bytes}};
+    if (options.scan) json["missing"] = ToJson(scanned.missing);
+    json["messages"] = ToJson(project.messages.Shown());
+    PrintJson(context, json);
   } else if (result.succeeded) {
     context.out << OneLine(result.output_directory) << ": "
                 << Summary(result.disks, result.files, result.archive_bytes) << '\n';
@@ -247,7 +339,8 @@ int Parse(const std::vector<std::string>& arguments, ToolContext& context) {
   app.footer(
       "PROJECT is a registered name or [ProjectPath\\]ProjectName[.txs|.swz].\n"
       "Results go to standard output, messages to standard error.\n"
-      "Exit codes: 0 done, 1 failed, 2 wrong usage, 4 does not fit (plan), 5 damaged (verify).");
+      "Exit codes: 0 done, 1 failed, 2 wrong usage, 3 something is missing (scan), 4 does not fit\n"
+      "(plan), 5 damaged (verify).");
 
   using Command = int (*)(ToolContext&, const Options&);
   Options options;
@@ -259,10 +352,14 @@ int Parse(const std::vector<std::string>& arguments, ToolContext& context) {
       sub->add_option(subject, options.subject, subject_description)->required();
     sub->add_flag("--json", options.json, "Print the result as one JSON object");
     commands.emplace_back(sub, command);
+    return sub;
   };
   constexpr const char* kProjectHelp = "Registered name or [ProjectPath\\]ProjectName[.txs|.swz]";
   add("projects", "List the registered projects", nullptr, nullptr, ListProjects);
-  add("create", "Create the installation of a project", "PROJECT", kProjectHelp, Create);
+  add("scan", "Find the files that a project needs", "PROJECT", kProjectHelp, Scan)
+      ->add_flag("--save", options.save, "Write the settings file afterwards");
+  add("create", "Create the installation of a project", "PROJECT", kProjectHelp, Create)
+      ->add_flag("--scan", options.scan, "Find the files that the project needs first");
   add("plan", "Show which file goes on which disk, and write no installation", "PROJECT",
       kProjectHelp, PlanDisks);
   add("verify", "Read a finished installation back and check it", "DIRECTORY",

@@ -28,6 +28,7 @@ struct ToolContext {
 inline constexpr int kToolDone = 0;
 inline constexpr int kToolFailed = 1;
 inline constexpr int kToolWrongUsage = 2;
+inline constexpr int kToolSomethingMissing = 3;
 inline constexpr int kToolDoesNotFit = 4;
 inline constexpr int kToolDamaged = 5;
 

@@ -43,4 +43,13 @@ void ProgressLineView::End(bool /*succeeded*/, const std::string& /*result_line*
   line_.Clear();
 }
 
+void ScanLineView::StageStarted(ScanStage stage) {
+  stage_ = texts_.GetText(static_cast<long>(stage));
+  line_.Show(stage_);
+}
+
+void ScanLineView::ShowCount(std::size_t rows) { line_.Show(stage_ + ": " + std::to_string(rows)); }
+
+void ScanLineView::End(bool /*succeeded*/, const std::string& /*result_line*/) { line_.Clear(); }
+
 }  // namespace txs

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "create/create_view.h"
+#include "scan/scan_view.h"
 #include "text/message_service.h"
 #include "text/text_service.h"
 
@@ -53,6 +54,21 @@ class ProgressLineView : public SilentCreateView {
 
   void StageStarted(CreateStage stage) override;
   void ShowProgress(const CreateProgress& progress) override;
+  void End(bool succeeded, const std::string& result_line) override;
+
+ private:
+  ProgressLine& line_;
+  const TextService& texts_;
+  std::string stage_;
+};
+
+// Stage and number of files of a Scan on the progress line.
+class ScanLineView : public SilentScanView {
+ public:
+  ScanLineView(ProgressLine& line, const TextService& texts) : line_(line), texts_(texts) {}
+
+  void StageStarted(ScanStage stage) override;
+  void ShowCount(std::size_t rows) override;
   void End(bool succeeded, const std::string& result_line) override;
 
  private:

@@ -77,16 +77,18 @@ TEST_P(WrongUsage, EndsWithExitCode2AndAHint) {
   EXPECT_FALSE(platform_asked);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Lines, WrongUsage,
-    ::testing::Values(std::vector<std::string>{}, std::vector<std::string>{"scan"},
-                      std::vector<std::string>{"scan", "Demo"}, std::vector<std::string>{"create"},
-                      std::vector<std::string>{"create", "Demo", "Other"},
-                      std::vector<std::string>{"create", "Demo", "--scan"},
-                      std::vector<std::string>{"plan"}, std::vector<std::string>{"verify"},
-                      std::vector<std::string>{"projects", "Demo"},
-                      std::vector<std::string>{"--json"},
-                      std::vector<std::string>{"verify", "--what", "C:\\"}));
+INSTANTIATE_TEST_SUITE_P(Lines, WrongUsage,
+                         ::testing::Values(std::vector<std::string>{},
+                                           std::vector<std::string>{"scan"},
+                                           std::vector<std::string>{"scan", "Demo", "--scan"},
+                                           std::vector<std::string>{"create"},
+                                           std::vector<std::string>{"create", "Demo", "Other"},
+                                           std::vector<std::string>{"create", "Demo", "--save"},
+                                           std::vector<std::string>{"plan"},
+                                           std::vector<std::string>{"verify"},
+                                           std::vector<std::string>{"projects", "Demo"},
+                                           std::vector<std::string>{"--json"},
+                                           std::vector<std::string>{"verify", "--what", "C:\\"}));
 
 TEST_F(CommandsTest, ComputerThatCannotBeReadEndsWithItsReason) {
   platform_fails = true;
@@ -369,6 +371,127 @@ TEST_F(CommandsTest, VerifyOfADirectoryThatDoesNotExistFails) {
 
   EXPECT_EQ(out.str(), "");
   EXPECT_THAT(err.str(), HasSubstr("(76)"));
+}
+
+// --- scan
+
+struct ScanCommand : CommandsTest {
+  ScanCommand() {
+    world.files.AddFile("C:\\Projects\\Demo\\Demo.txs",
+                        "[Global]\r\nDesigner=Visual Basic 6.0\r\nDesignerProject=Demo.vbp\r\n");
+    world.files.AddFile("C:\\Projects\\Demo\\Demo.vbp",
+                        "Type=Exe\r\nExeName32=\"Demo.exe\"\r\n"
+                        "Object={1}#1.10#0; Lost.ocx\r\n");
+    world.registry.Write(Hive::kCurrentUser, kWizardKey, "UseRuntimeSetup", std::uint32_t{0});
+  }
+  void RegisterTheObject() {
+    world.registry.Write(Hive::kClassesRoot, "TypeLib\\{1}\\1.A\\0\\win32", "",
+                         std::string("C:\\Projects\\Demo\\Panel.ocx"));
+    world.files.AddFile("C:\\Projects\\Demo\\Panel.ocx", "panel");
+    world.files.AddFile("C:\\Projects\\Demo\\Panel.dep",
+                        "[Panel.ocx]\r\nRegister=$(DLLSelfRegister)\r\nUses1=Lost.dll\r\n"
+                        "I1=SetVar(Panel|1)\r\n");
+  }
+  std::string Settings() { return world.files.Contents("C:\\Projects\\Demo\\Demo.swz"); }
+};
+
+TEST_F(ScanCommand, ListsFilesAndToDoLinesAndNamesWhatIsMissingWithItsChain) {
+  RegisterTheObject();
+
+  EXPECT_EQ(Run({"scan", "Demo"}), 3);
+
+  EXPECT_THAT(out.str(), HasSubstr("<ProjectDir>\\Demo.txs"));
+  EXPECT_THAT(out.str(), HasSubstr("to do: SetVar(Panel|1)\n"));
+  EXPECT_THAT(out.str(),
+              HasSubstr("missing: Demo.vbp \xE2\x86\x92 Panel.ocx \xE2\x86\x92 Lost.dll\n"));
+  EXPECT_THAT(out.str(), HasSubstr(" 1 missing\n"));
+}
+
+TEST_F(ScanCommand, EndsWithExitCode0WhenNothingIsMissing) {
+  RegisterTheObject();
+  world.files.AddFile("C:\\Projects\\Demo\\Lost.dll", "");
+
+  EXPECT_EQ(Run({"scan", "Demo"}), 0);
+
+  EXPECT_EQ(err.str(), "");
+}
+
+TEST_F(ScanCommand, PrintsOneJsonObject) {
+  EXPECT_EQ(Run({"scan", "Demo", "--json"}), 3);
+
+  EXPECT_THAT(out.str(), StartsWith("{\n  \"result\": true,\n  \"program\": \"Demo.exe\","));
+  EXPECT_THAT(out.str(), HasSubstr("\"source\": \"<ProjectDir>\\\\Trend.ocx\",\n"
+                                   "      \"destination\": \"<WinSysDir>\",\n"
+                                   "      \"register\": \"1\""));
+  EXPECT_THAT(out.str(), HasSubstr("\"name\": \"{1} 1.A (Lost.ocx)\",\n      \"chain\": [\n"
+                                   "        \"Demo.vbp\",\n"));
+  EXPECT_THAT(out.str(), HasSubstr("\"id\": 914"));
+  EXPECT_THAT(out.str(), HasSubstr("Projects\\\\Demo|Path|<ProjectDir>|1)"));
+  EXPECT_THAT(err.str(), HasSubstr("message 914: "));
+}
+
+TEST_F(ScanCommand, LeavesTheSettingsFileAloneUnlessToldToSave) {
+  const std::string before = Settings();
+
+  EXPECT_EQ(Run({"scan", "Demo"}), 3);
+  EXPECT_EQ(Settings(), before);
+
+  EXPECT_EQ(Run({"scan", "Demo", "--save"}), 3);
+  EXPECT_THAT(Settings(), HasSubstr("04=<ProjectDir>\\Demo.txs,<ProjectDir>,0\r\n"));
+}
+
+TEST_F(ScanCommand, FailsAndSavesNothingWhenTheProgramWasNotBuilt) {
+  world.files.Vanish("C:\\Projects\\Demo\\Demo.exe");
+  const std::string before = Settings();
+
+  EXPECT_EQ(Run({"scan", "Demo", "--save"}), 1);
+
+  EXPECT_THAT(err.str(), HasSubstr("message 1711: "));
+  EXPECT_EQ(Settings(), before);
+}
+
+TEST_F(ScanCommand, FailsWhenTheSettingsFileCannotBeWritten) {
+  world.files.FailPath("C:\\Projects\\Demo\\Demo.swz", "ReplaceWhole",
+                       ErrorNumber::kPermissionDenied);
+
+  EXPECT_EQ(Run({"scan", "Demo", "--save"}), 1);
+
+  EXPECT_THAT(err.str(), HasSubstr("message 911: "));
+}
+
+TEST_F(ScanCommand, FailsForAProjectThatDoesNotExist) {
+  EXPECT_EQ(Run({"scan", "Nowhere", "--json"}), 1);
+
+  EXPECT_THAT(out.str(), HasSubstr("\"result\": false"));
+  EXPECT_THAT(err.str(), HasSubstr("message 901: "));
+}
+
+TEST_F(ScanCommand, CreateScansFirstSoThatTheScriptIsComplete) {
+  RegisterTheObject();
+
+  EXPECT_EQ(Run({"create", "Demo", "--scan"}), 0);
+
+  const std::string script = world.files.Contents("C:\\Projects\\Demo\\Setup\\DISK1\\SETUP.STP");
+  EXPECT_THAT(script, HasSubstr("SetVar(Panel|1)"));
+  EXPECT_THAT(script, HasSubstr("Projects\\Demo|Path|"));
+  EXPECT_THAT(script, HasSubstr("Demo.txs"));
+  EXPECT_THAT(err.str(),
+              HasSubstr("missing: Demo.vbp \xE2\x86\x92 Panel.ocx \xE2\x86\x92 Lost.dll\n"));
+}
+
+TEST_F(ScanCommand, CreateReportsWhatTheScanMissedInItsJson) {
+  EXPECT_EQ(Run({"create", "Demo", "--scan", "--json"}), 0);
+
+  EXPECT_THAT(out.str(),
+              HasSubstr("\"missing\": [\n    {\n      \"name\": \"{1} 1.A (Lost.ocx)\""));
+}
+
+TEST_F(ScanCommand, CreateBuildsNothingAfterAFailedScan) {
+  world.files.Vanish("C:\\Projects\\Demo\\Demo.vbp");
+
+  EXPECT_EQ(Run({"create", "Demo", "--scan"}), 1);
+
+  EXPECT_FALSE(world.files.Has("C:\\Projects\\Demo\\Setup"));
 }
 
 }  // namespace

@@ -70,5 +70,19 @@ TEST(ProgressLineView, ShowsStageCountAndPercentage) {
             "\r\x1B[KCompressing files\r\x1B[KCompressing files: 3 / 17, 42 %\r\x1B[K");
 }
 
+TEST(ScanLineView, ShowsStageAndCount) {
+  std::ostringstream stream;
+  ProgressLine line(stream, /*is_terminal=*/true);
+  const TextService texts(1033);
+  ScanLineView view(line, texts);
+
+  view.StageStarted(ScanStage::kStudioProject);
+  view.ShowCount(3);
+  view.End(true, "done");
+
+  EXPECT_EQ(stream.str(),
+            "\r\x1B[KScan TavixStudio Project\r\x1B[KScan TavixStudio Project: 3\r\x1B[K");
+}
+
 }  // namespace
 }  // namespace txs
