@@ -1,6 +1,5 @@
 #include "environment/clock_host.h"
 
-#include <langinfo.h>
 #include <locale.h>
 #include <time.h>
 
