@@ -81,7 +81,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"--c=Demo", Kind::kRefused, "", "", ""},
         Case{"\xE2\x80\x93", Kind::kProject, "\xE2\x80\x93", "", "\xE2\x80\x93"},
         Case{"/", Kind::kRefused, "", "", ""}, Case{"-", Kind::kRefused, "", "", ""},
-        Case{"/home/me/Demo.txs", Kind::kRefused, "", "", ""}));
+        Case{"/srv/me/Demo.txs", Kind::kRefused, "", "", ""}));
 
 TEST(CommandLine, BothSwitchesWorkOnTheSameProjectFileWhateverTheExtension) {
   const CommandLine settings = ParseCommandLine("/C=C:\\Projects\\Demo\\Demo.swz");
