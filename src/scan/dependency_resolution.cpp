@@ -118,7 +118,7 @@ bool DependencyResolver::Enter(const std::string& path, Force force, const Depen
   if (this_source && force == Force::kNo) return true;
   this_source = true;
   Follow(located.path, *std::move(section),
-         is_pseudo || located.whereabouts == ScanSession::Whereabouts::kFound);
+         is_pseudo || located.whereabouts != ScanSession::Whereabouts::kIgnored);
   return true;
 }
 

@@ -57,4 +57,8 @@ bool PredefinedSetups::Covers(std::string_view path, const LocalTime& last_write
   return Day{last_write.year, last_write.month, last_write.day} <= found->second;
 }
 
+bool PredefinedSetups::Lists(std::string_view path) const {
+  return covered_.contains(FoldCase(FileName(path)));
+}
+
 }  // namespace txs

@@ -26,6 +26,10 @@ class PredefinedSetups {
   // was not changed on a later day.
   [[nodiscard]] bool Covers(std::string_view path, const LocalTime& last_write) const;
 
+  // Whether a setup in use lists the bare name of `path`, for a file that this computer does not
+  // have: then there is no younger one that would have to be packaged.
+  [[nodiscard]] bool Lists(std::string_view path) const;
+
  private:
   struct Day {
     int year = 0;

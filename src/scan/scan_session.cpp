@@ -64,6 +64,9 @@ std::vector<SearchPlace> ScanSession::SearchPlaces() const {
       {tools.Folder(SpecialFolder::kSystem), SearchPlace::Depth::kFolderOnly},
       {tools.Folder(SpecialFolder::kWindows), SearchPlace::Depth::kFolderOnly},
       {visual_basic_.directory, SearchPlace::Depth::kTree},
+      // The product names components of its own by their bare names too.
+      {application_.installation.common_directory, SearchPlace::Depth::kTree},
+      {application_.installation.studio_directory, SearchPlace::Depth::kTree},
   };
   // A relative place would be wherever the process happens to stand.
   std::erase_if(places, [](const SearchPlace& place) { return !IsAbsolutePath(place.folder); });
@@ -169,6 +172,9 @@ ScanSession::Located ScanSession::Locate(std::string_view path, std::string_view
   if (found) {
     asked_[key] = *found;
     return *std::move(found);
+  }
+  if (application_.use_runtime_setup && setups_.Lists(name)) {
+    return {Whereabouts::kCovered, name, {}};
   }
   if (asked != asked_.end()) return asked->second;
   if (view_.IsCancelPressed()) return {Whereabouts::kDropped, full_path, {}};

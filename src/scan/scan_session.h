@@ -70,6 +70,7 @@ class ScanSession {
   // --- Files and where they are.
   enum class Whereabouts {
     kFound,
+    kCovered,  // not here, but a predefined setup installs it
     kIgnored,  // left out; what it needs is still followed
     kDropped,  // left out with all that it needs
   };
@@ -79,7 +80,8 @@ class ScanSession {
     FileStamp stamp;   // of the file found
   };
   // Where the file is: at `path`, else where the automatic search finds its name, else beside the
-  // file that names it (`naming_folder`), else in a row of the list, else where the user says. Each
+  // file that names it (`naming_folder`), else in a row of the list, else in a predefined setup in
+  // use, else where the user says. Each
   // missing name is asked for once per Scan; the chain is only made, and recorded, when the file is
   // missing.
   using ChainMaker = std::function<std::vector<std::string>()>;

@@ -392,6 +392,18 @@ TEST_F(DependencyResolution, SearchesTheDocumentedPlacesInOrder) {
   EXPECT_THAT(in_project.Sources(), ElementsAre("<ProjectDir>\\Sub\\f.dll"));
 }
 
+TEST_F(DependencyResolution, SearchesTheProductsOwnDirectoriesLast) {
+  world.files.AddFile("C:\\Tavix\\Common\\c.dll", "");
+  world.files.AddFile("C:\\Tavix\\Studio\\System\\c.dll", "");
+  world.files.AddFile("C:\\Tavix\\Studio\\System\\s.dll", "");
+
+  EXPECT_TRUE(world.Add("c.dll"));
+  EXPECT_TRUE(world.Add("s.dll"));
+
+  EXPECT_THAT(world.Sources(),
+              ElementsAre("<TavixCommonDir>\\c.dll", "<TavixStudioDir>\\System\\s.dll"));
+}
+
 TEST_F(DependencyResolution, DoesNotTakeAFileOutOfABackup) {
   world.files.AddFile("C:\\Demo\\BackUp 2003\\lost.dll", "");
 
@@ -617,6 +629,19 @@ TEST_F(DependencyResolution, LeavesOutWhatAPredefinedSetupInstallsButFollowsItsN
   EXPECT_TRUE(world.Add("x.dll"));
 
   EXPECT_THAT(world.Kinds(), ElementsAre("need.dll 0"));
+}
+
+TEST_F(DependencyResolution, DoesNotMissWhatAPredefinedSetupInstallsAnyway) {
+  world.application.use_runtime_setup = true;
+  world.AddSystemFile("need.dll");
+  world.SetVb6File({"[x.dll]", "Uses1=need.dll", "I1=line"});
+  world.Session().Setups().Use(ProfileDocument("[Files]\n1=X.DLL#2003-09-30\n"));
+
+  EXPECT_TRUE(world.Add("x.dll"));
+
+  EXPECT_THAT(world.Kinds(), ElementsAre("need.dll 0"));
+  EXPECT_THAT(world.ToDo(), ElementsAre("line"));
+  EXPECT_THAT(world.dialog.requests, IsEmpty());
 }
 
 TEST_F(DependencyResolution, PackagesAFileThatIsYoungerThanThePredefinedSetup) {
