@@ -724,6 +724,57 @@ void MakeControlRoom(Studio& studio) {
   studio.Put(project + "Bilder/Becken 2.bmp", release, Picture(400, 300, 55));
 }
 
+void MakePumpingStations(Studio& studio) {
+  using enum ImageKind;
+  const Date release = {2004, 1, 26};
+  PutImages(studio, "Büro Süd",
+            {
+                {"Projekte/Pumpwerke/Pumpwerke.exe",
+                 "Übersicht der Pumpwerke",
+                 {1, 5, 0, 4},
+                 kProgram,
+                 110'000,
+                 release},
+                {"Projekte/Pumpwerke/Förderregler/Regler.dll",
+                 "Regelung der Förderpumpen",
+                 {1, 5, 0, 2},
+                 kLibrary,
+                 50'000,
+                 release},
+                {"Projekte/Pumpwerke/Förderregler/Messwandler.dll",
+                 "Messwandler",
+                 {1, 1, 0, 0},
+                 kLibrary,
+                 18'000,
+                 release},
+                {"Komponenten/Manometer.ocx",
+                 "Manometer (Beispiel)",
+                 {1, 11, 0, 0},
+                 kLibrary,
+                 70'000,
+                 {2001, 4, 2}},
+                {"Komponenten/ManoDe.dll",
+                 "Manometer, deutsch (Beispiel)",
+                 {1, 11, 0, 0},
+                 kLibrary,
+                 9'000,
+                 {2001, 4, 2}},
+                {"Windows/System32/MFCBSP.DLL",
+                 "Klassenbibliothek (Beispiel)",
+                 {6, 0, 0, 0},
+                 kLibrary,
+                 90'000,
+                 kWindowsRelease},
+                {"Windows/System32/MSVBVM50.DLL",
+                 "Visual-Basic-Laufzeit 5 (Beispiel)",
+                 {5, 2, 82, 44},
+                 kLibrary,
+                 250'000,
+                 kWindowsRelease},
+            });
+  studio.Put("Projekte/Pumpwerke/Pumpwerke.dbf", release, Table(300));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -738,6 +789,7 @@ int main(int argc, char** argv) {
     MakeMixingPlant(studio);
     MakeSewagePlant(studio);
     MakeControlRoom(studio);
+    MakePumpingStations(studio);
     std::printf("%d sample binaries written\n", studio.Count());
   } catch (const std::exception& error) {
     std::fprintf(stderr, "%s: %s\n", argv[0], error.what());

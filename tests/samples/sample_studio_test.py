@@ -7,6 +7,7 @@ the same fault in TXSetupTool verify. Run by CTest, one test per scenario:
 """
 
 import io
+import json
 import os
 import pathlib
 import re
@@ -22,6 +23,7 @@ WIZARD, TOOL, GENERATOR, PREPARE = sys.argv[1:5]
 PLANT = "Mischanlage Süd"
 SERVER = "Kläranlage Server"
 CLIENT = "Leitstand Client"
+PUMPS = "Pumpwerke"
 
 DISKETTE_BYTES = 1457152
 
@@ -222,6 +224,105 @@ class SampleStudio(unittest.TestCase):
         for project in (PLANT, SERVER, CLIENT, "Altes Lager"):
             self.assertIn(project, result.stdout.decode())
         self.assertEqual((self.studio / "registry.reg").read_bytes(), registry)
+
+    # --- scan
+
+    def use_runtime_setup(self, use):
+        path = self.studio / "registry.reg"
+        text = path.read_bytes().decode("utf-16")
+        option = '"UseRuntimeSetup"=dword:0000000'
+        self.assertIn(option, text)
+        text = re.sub(option + r"\d", option + str(int(use)), text)
+        path.write_bytes(b"\xff\xfe" + text.encode("utf-16-le"))
+
+    def scan(self, project, *options):
+        result = self.run_program(TOOL, "scan", project, "--json", *options)
+        return result, json.loads(result.stdout.decode())
+
+    def sources_of(self, scanned):
+        return [row["source"] for row in scanned["rows"]]
+
+    def test_a_group_scanned_and_created_in_one_process_gives_the_complete_script(self):
+        self.use_runtime_setup(False)
+
+        result = self.run_program(TOOL, "create", PUMPS, "--scan", "--json")
+        verified = self.run_program(TOOL, "verify", f"C:\\Projekte\\{PUMPS}\\Setup")
+
+        self.assert_succeeded(result)
+        self.assertEqual(json.loads(result.stdout.decode())["missing"], [])
+        self.assertIn("message 917", result.stderr.decode())
+        self.assertEqual(verified.returncode, 0, verified.stdout.decode())
+        script = self.script(PUMPS)
+        key = "WriteRegistry(HKEY_LOCAL_MACHINE|Software\\ORBEKA GmbH\\Tavix\\4.0\\"
+        for line in (
+            key + "Projects\\Pumpwerke|Path|<ProjectDir>|1)",
+            key + "Projects\\Pumpwerke|TavixVersion|4.0.112|1)",
+            key + "Projects\\Pumpwerke|ProjectType|Single|1)",
+            key + "Drivers\\TXDrvFeldbus.Device|Path|<TavixStudioDir>\\Drivers\\TXDrvFeldbus.exe|1)",
+            key + "Drivers\\TXDrvFeldbus.Device|Name|Feldbus-Koppler|1)",
+            'ExecFile(<TempDir>\\mdac_typ.exe|0|/q:a|/c:"setup.exe /qt")',
+            "ExecFile(<TempDir>\\Jet40Sp3_Comp.exe|0|/q)",
+            "RegInProc(<ProjectDir>\\Förderregler\\Regler.dll)",
+            "RegInProc(<WinSysDir>\\Manometer.ocx)",
+            "RegOutProc(<TavixStudioDir>\\Drivers\\TXDrvFeldbus.exe)",
+        ):
+            self.assertEqual(script.count(line), 1, line)
+
+    def test_a_scan_relies_on_the_predefined_runtime_setup(self):
+        result, scanned = self.scan(PUMPS)
+
+        self.assertEqual(result.returncode, 0, result.stderr.decode())
+        self.assertEqual(
+            self.sources_of(scanned),
+            [
+                "<TavixMainDir>\\SetupKit\\TXSRuntimeServerSetup.exe",
+                "<TavixMainDir>\\SetupKit\\TXSRuntimeClientSetup.exe",
+                "<ProjectDir>\\Pumpwerke.txs",
+                "<ProjectDir>\\Pumpwerke.dbf",
+                "<ProjectDir>\\Förderregler\\Regler.dll",
+                "<ProjectDir>\\Förderregler\\Messwandler.dll",
+                "<TavixStudioDir>\\Drivers\\TXDrvFeldbus.exe",
+                "<WinSysDir>\\MSVBVM50.DLL",
+                "C:\\Komponenten\\Manometer.ocx",
+                "<WinSysDir>\\MFCBSP.DLL",
+                "C:\\Komponenten\\ManoDe.dll",
+                "<ProjectDir>\\Pumpwerke.exe",
+            ],
+        )
+        self.assertEqual(scanned["program"], "Pumpwerke.exe")
+
+    def test_a_scan_names_a_missing_file_with_the_chain_that_needs_it(self):
+        (self.studio / "drive_c/Windows/System32/MFCBSP.DLL").unlink()
+
+        result, scanned = self.scan(PUMPS)
+
+        self.assertEqual(result.returncode, 3)
+        self.assertTrue(scanned["result"])
+        self.assertEqual(
+            scanned["missing"],
+            [
+                {
+                    "name": "MFCBSP.DLL",
+                    "chain": ["Pumpwerke.vbg", "Pumpwerke.vbp", "Manometer.ocx", "MFCBSP.DLL"],
+                }
+            ],
+        )
+
+    def test_a_saved_scan_adds_nothing_the_next_time(self):
+        self.use_runtime_setup(False)
+        for project in (PLANT, SERVER, CLIENT, PUMPS):
+            first_result, first = self.scan(project, "--save")
+            saved = (self.directory(project) / (project + ".swz")).read_bytes()
+
+            second_result, second = self.scan(project, "--save")
+
+            self.assertEqual(first_result.returncode, 0, first_result.stderr.decode())
+            self.assertEqual(second_result.returncode, 0, second_result.stderr.decode())
+            self.assertEqual(second["rows"], first["rows"])
+            self.assertEqual(sorted(second["todo"]), sorted(first["todo"]))
+            self.assertEqual(
+                (self.directory(project) / (project + ".swz")).read_bytes(), saved
+            )
 
 
 if __name__ == "__main__":
