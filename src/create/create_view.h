@@ -26,8 +26,8 @@ struct CreateProgress {
   std::string size_text;   // "42 %": 100 only when everything is done, 0 only before anything is
 };
 
-// Builds the texts from the figures; the percentage is rounded half to even. Where there are no bytes
-// at all, only empty files, the count decides between 0 % and 100 %; nothing to do is 0 %.
+// Builds the texts from the figures; the percentage is rounded half to even. Where there are no
+// bytes at all, only empty files, the count decides between 0 % and 100 %; nothing to do is 0 %.
 [[nodiscard]] CreateProgress MakeCreateProgress(std::uint64_t count_done, std::uint64_t count_total,
                                                 std::uint64_t bytes_done,
                                                 std::uint64_t bytes_total);

@@ -13,7 +13,7 @@ enum class ArchiveResult : int {
   kArchiveNotCreated = 3,
   kDiskFull = 4,
   kWriteError = 5,
-  kSourceChanged = 6,   // the source was cut short while it was read
+  kSourceChanged = 6,  // the source was cut short while it was read
   kOutOfMemory = 7,
   kUnexpected = 99,
 };
@@ -22,9 +22,9 @@ class Archiver {
  public:
   virtual ~Archiver() = default;
 
-  // Creates or replaces the archive with one entry: the source's bare file name, its bytes, its last
-  // write time. Paths are full Windows paths. Never throws; on any code but kSuccess no archive is
-  // left behind. The same input gives the same bytes on every run.
+  // Creates or replaces the archive with one entry: the source's bare file name, its bytes, its
+  // last write time. Paths are full Windows paths. Never throws; on any code but kSuccess no
+  // archive is left behind. The same input gives the same bytes on every run.
   [[nodiscard]] virtual ArchiveResult Compress(std::string_view archive_path,
                                                std::string_view source_path) = 0;
 };

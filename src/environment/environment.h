@@ -1,6 +1,7 @@
 // Front door of `environment`: the platform behind small interfaces, the studio's installation
-// settings, and the project types. Promises: no message is shown here, no text of the string table is
-// known here, nothing above this folder is included; every failing operation throws RuntimeError.
+// settings, and the project types. Promises: no message is shown here, no text of the string table
+// is known here, nothing above this folder is included; every failing operation throws
+// RuntimeError.
 #pragma once
 
 #include "environment/archiver.h"

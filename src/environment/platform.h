@@ -1,5 +1,5 @@
-// Everything that the program asks of the computer, in one place: real in the programs, in memory in
-// tests. A plain struct of references; whoever builds it owns the parts.
+// Everything that the program asks of the computer, in one place: real in the programs, in memory
+// in tests. A plain struct of references; whoever builds it owns the parts.
 #pragma once
 
 #include <functional>
