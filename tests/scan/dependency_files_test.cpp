@@ -113,7 +113,7 @@ TEST(DependencyFile, SurvivesJunk) {
   std::mt19937 random(7);
   for (int round = 0; round < 300; ++round) {
     std::string bytes;
-    const std::string alphabet("[]<>=;\"\r\n \0UsesI1Replace07\xE4\xFF", 31);
+    const std::string alphabet = std::string("[]<>=;\"\r\n UsesI1Replace07\xE4\xFF") + '\0';
     for (auto i = random() % 400; i > 0; --i) bytes += alphabet[random() % alphabet.size()];
     bytes += "\n[x.dll]\nUses1=a.dll\n";
     const ProfileDocument document(bytes);
