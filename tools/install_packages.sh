@@ -11,7 +11,7 @@ build_packages='g++ cmake ninja-build ccache zlib1g-dev libdeflate-dev nlohmann-
 # The windows.
 ui_packages='libwxgtk3.2-dev'
 # The tests, the checks of the sources, and the programs that tests compare results with.
-test_packages='libgtest-dev libgmock-dev clang-format git python3 pkgconf libzip-dev unzip 7zip'
+test_packages='libgtest-dev libgmock-dev clang-format git python3 pkgconf libzip-dev unzip p7zip-full'
 
 usage() {
   echo "usage: $0 build|ui|test ..." >&2
