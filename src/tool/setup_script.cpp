@@ -89,6 +89,21 @@ std::string Quoted(std::string_view text) {
   return quoted + (text.size() > kShown ? "...\"" : "\"");
 }
 
+// Whether the engine may have a command of this name. Dependency files bring lines of their own, so
+// this is no closed list; but what is a known name but for one letter, or for case, was damaged.
+bool MayBeCommand(std::string_view name) {
+  const auto is_letter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
+  if (name.empty() || !std::all_of(name.begin(), name.end(), is_letter)) return false;
+  const std::string folded = FoldCase(name);
+  return std::none_of(kCommands.begin(), kCommands.end(), [&folded](const CommandForm& known) {
+    if (known.name.size() != folded.size()) return false;
+    const std::string known_folded = FoldCase(known.name);
+    std::size_t different = 0;
+    for (std::size_t i = 0; i < folded.size(); ++i) different += folded[i] != known_folded[i];
+    return different <= 1;
+  });
+}
+
 class Parser {
  public:
   explicit Parser(SetupScript& script) : script_(script) {}
@@ -187,7 +202,7 @@ class Parser {
         std::find_if(kCommands.begin(), kCommands.end(),
                      [name](const CommandForm& known) { return known.name == name; });
     if (form == kCommands.end()) {
-      Fault("unknown command " + Quoted(name));
+      if (!MayBeCommand(name)) Fault("unknown command " + Quoted(name));
       return;
     }
     const std::vector<std::string_view> arguments = Split(inner);

@@ -100,8 +100,12 @@ INSTANTIATE_TEST_SUITE_P(
     Commands, SetupScriptFault,
     ::testing::Values(
         FaultyCommand{"UnknownCommand", "SetVat(a|b)"}, FaultyCommand{"LowerCase", "setvar(a|b)"},
-        FaultyCommand{"NoCommand", "SetVar"}, FaultyCommand{"NoEnd", "SetVar(a|b"},
-        FaultyCommand{"SetVarOfOne", "SetVar(a)"}, FaultyCommand{"SetVarOfThree", "SetVar(a|b|c)"},
+        FaultyCommand{"NoName",
+                      "Set\x01"
+                      "Var(a|b)"},
+        FaultyCommand{"Nameless", "(a|b)"}, FaultyCommand{"NoCommand", "SetVar"},
+        FaultyCommand{"NoEnd", "SetVar(a|b"}, FaultyCommand{"SetVarOfOne", "SetVar(a)"},
+        FaultyCommand{"SetVarOfThree", "SetVar(a|b|c)"},
         FaultyCommand{"WriteRegistryOfFour", "WriteRegistry(a|b|c|d)"},
         FaultyCommand{"WriteRegistryOfSix", "WriteRegistry(a|b|c|d|e|f)"},
         FaultyCommand{"CreateDirOfTwo", "CreateDir(a|b)"},
@@ -138,6 +142,10 @@ TEST(SetupScript, TwoLinesWithTheSameArchiveAreAFaultOfTheSecond) {
       "InstallFile(X.ZIP|T\\y|0|20.02.2004||2|0|1)\r\n");
 
   EXPECT_THAT(FaultLines(bytes), ElementsAre(kFirstCommand + 1));
+}
+
+TEST(SetupScript, CommandThatOnlyADependencyFileKnowsIsNoFault) {
+  EXPECT_THAT(FaultLines(ScriptWith("RegTypeLib(<WinSysDir>\\stdole2.tlb)\r\n")), IsEmpty());
 }
 
 TEST(SetupScript, ParameterThatIsMissingDoubledOrUnknownIsAFault) {
