@@ -77,6 +77,18 @@ TEST_F(ProfileFilesTest, AMissingFileIsAnEmptyDocument) {
   EXPECT_EQ(profiles_.Open("").Bytes(), "");
 }
 
+TEST_F(ProfileFilesTest, AFileTooLargeToBeAProfileFileIsRefusedUnread) {
+  PutFile(std::string((std::size_t{64} << 20) + 1, ' '));
+
+  try {
+    (void)profiles_.Open(kPath);
+    FAIL();
+  } catch (const RuntimeError& error) {
+    EXPECT_EQ(error.Number(), ErrorNumber::kOutOfMemory);
+  }
+  EXPECT_EQ(files_.opened, 0);
+}
+
 TEST_F(ProfileFilesTest, AFileThatAppearsOrDisappearsIsNoticed) {
   EXPECT_EQ(profiles_.Open(kPath).Value("s", "k"), std::nullopt);
   PutFile("[s]\r\nk=1\r\n");
