@@ -105,9 +105,9 @@ std::vector<std::string> ReadSetupKitList(Application& application) {
   if (!application.platform.files.FileExists(path)) {
     throw RuntimeError(ErrorNumber::kFileNotFound, path + ": file not found");
   }
-  SystemTools& tools = application.platform.tools;
+  const ProfileDocument& list = application.platform.profiles.Open(path);
   const std::optional<std::int64_t> count =
-      ParseWholeNumber(tools.ReadText(kSection, "Count", /*default_value=*/"", path));
+      ParseWholeNumber(list.Value(kSection, "Count").value_or(""));
   if (!count || *count < 0 || *count > kMaxKitFiles) {
     throw RuntimeError(ErrorNumber::kTypeMismatch,
                        path + ": Count of section " + kSection + " is no number of files");
@@ -115,7 +115,7 @@ std::vector<std::string> ReadSetupKitList(Application& application) {
   std::vector<std::string> names;
   names.reserve(static_cast<std::size_t>(*count));
   for (std::int64_t i = 1; i <= *count; ++i) {
-    names.push_back(tools.ReadText(kSection, std::to_string(i), /*default_value=*/"", path));
+    names.push_back(list.Value(kSection, std::to_string(i)).value_or(""));
   }
   return names;
 }
