@@ -449,6 +449,15 @@ HostFileSystem::Place HostFileSystem::Locate(std::string_view path) const {
 
   for (std::size_t i = 1; i < components.size(); ++i) {
     const bool is_last = i + 1 == components.size();
+    if (!is_last) {
+      // Looking up a spelling means listing the folder, which a user may not always do where he may
+      // pass: a /home of mode 711.
+      std::string exact_folder = Below(place.folder, components[i]);
+      if (IsFolderAt(exact_folder)) {
+        place.folder = std::move(exact_folder);
+        continue;
+      }
+    }
     const std::optional<std::string> spelling = indexes_->Spelling(place.folder, components[i]);
     if (is_last) {
       place.name = spelling.value_or(components[i]);

@@ -3,7 +3,9 @@
 
 #include "environment/file_system_host.h"
 
+#include <dirent.h>
 #include <gtest/gtest.h>
+#include <sys/fsuid.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -235,6 +237,32 @@ TEST_F(HostFileSystemTest, MovingBetweenVolumesCopiesAndDeletes) {
   EXPECT_EQ(files_.ReadWhole(target), "contents");
   EXPECT_FALSE(files_.FileExists("C:\\Demo\\x"));
   files_.RemoveFile(target);
+}
+
+// Whoever runs the tests, the folder cannot be listed meanwhile: the kernel asks root for no
+// permission as long as root's own number is used.
+TEST_F(HostFileSystemTest, AFolderThatCanBePassedButNotListedIsNoObstacle) {
+  constexpr uid_t kSomebodyElse = 65534;
+  const fs::path closed = root_.Path() / "drive_c/Demo";
+  fs::create_directory(closed / "Inside");
+  ASSERT_EQ(chmod((closed / "Inside").c_str(), 0777), 0);
+  ASSERT_EQ(chmod(root_.Path().c_str(), 0711), 0);
+  ASSERT_EQ(chmod(closed.c_str(), 0311), 0);
+  if (geteuid() == 0) setfsuid(kSomebodyElse);
+
+  const bool can_be_listed = opendir(closed.c_str()) != nullptr;
+  std::string read;
+  try {
+    files_.CreateForWriting("C:\\Demo\\Inside\\new")->Close();
+    read = files_.ReadWhole("C:\\Demo\\Inside\\NEW") + "nothing";
+  } catch (const RuntimeError& error) {
+    read = error.what();
+  }
+
+  setfsuid(geteuid());
+  ASSERT_EQ(chmod(closed.c_str(), 0755), 0);
+  EXPECT_FALSE(can_be_listed);
+  EXPECT_EQ(read, "nothing");
 }
 
 }  // namespace
