@@ -67,16 +67,22 @@ char16_t TwoByteCharacter(std::string_view text, std::size_t at) {
   return static_cast<char16_t>(((Byte(text[at]) & 0x1F) << 6) | (Byte(text[at + 1]) & 0x3F));
 }
 
-void AppendUtf8(std::string& text, char16_t c) {
-  if (c < 0x80) {
-    text += static_cast<char>(c);
-  } else if (c < 0x800) {
-    text += static_cast<char>(0xC0 | (c >> 6));
-    text += static_cast<char>(0x80 | (c & 0x3F));
+void AppendUtf8(std::string& text, char32_t code) {
+  const auto tail = [&](int shift) { text += static_cast<char>(0x80 | ((code >> shift) & 0x3F)); };
+  if (code < 0x80) {
+    text += static_cast<char>(code);
+  } else if (code < 0x800) {
+    text += static_cast<char>(0xC0 | (code >> 6));
+    tail(0);
+  } else if (code < 0x10000) {
+    text += static_cast<char>(0xE0 | (code >> 12));
+    tail(6);
+    tail(0);
   } else {
-    text += static_cast<char>(0xE0 | (c >> 12));
-    text += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    text += static_cast<char>(0x80 | (c & 0x3F));
+    text += static_cast<char>(0xF0 | (code >> 18));
+    tail(12);
+    tail(6);
+    tail(0);
   }
 }
 
@@ -228,6 +234,54 @@ std::string Utf8ToAnsi(std::string_view utf8) {
     }
     bytes += found->second;
     at += character.length;
+  }
+  return bytes;
+}
+
+std::string Utf16ToUtf8(std::string_view bytes) {
+  const auto unit = [&](std::size_t at) {
+    return static_cast<char32_t>(static_cast<unsigned char>(bytes[at]) |
+                                 (static_cast<unsigned char>(bytes[at + 1]) << 8));
+  };
+  std::string text;
+  text.reserve(bytes.size() / 2);
+  for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
+    char32_t code = unit(at);
+    if (code >= 0xD800 && code < 0xDC00 && at + 3 < bytes.size()) {
+      const char32_t low = unit(at + 2);
+      if (low >= 0xDC00 && low < 0xE000) {
+        code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
+        at += 2;
+      }
+    }
+    AppendUtf8(text, code);
+  }
+  return text;
+}
+
+std::string Utf8ToUtf16(std::string_view text) {
+  std::string bytes;
+  bytes.reserve(text.size() * 2);
+  const auto append = [&](char32_t unit) {
+    bytes += static_cast<char>(unit & 0xFF);
+    bytes += static_cast<char>(unit >> 8);
+  };
+  std::size_t at = 0;
+  while (at < text.size()) {
+    const auto lead = static_cast<unsigned char>(text[at]);
+    const std::size_t length = lead < 0x80 ? 1 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
+    constexpr std::array<unsigned char, 5> kLeadBits = {0, 0x7F, 0x1F, 0x0F, 0x07};
+    char32_t code = lead & kLeadBits[length];
+    for (std::size_t i = 1; i < length && at + i < text.size(); ++i) {
+      code = (code << 6) | (static_cast<unsigned char>(text[at + i]) & 0x3F);
+    }
+    at += length;
+    if (code < 0x10000) {
+      append(code);
+    } else {
+      append(0xD800 + ((code - 0x10000) >> 10));
+      append(0xDC00 + ((code - 0x10000) & 0x3FF));
+    }
   }
   return bytes;
 }

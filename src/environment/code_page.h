@@ -21,6 +21,13 @@ namespace txs {
 // a replacement character.
 [[nodiscard]] std::string Utf8ToAnsi(std::string_view utf8);
 
+// Little-endian UTF-16, of even length, as UTF-8 and back. Half a surrogate pair becomes three
+// bytes that are no UTF-8, from which Utf8ToUtf16 makes the same half again: damaged text survives
+// a rewrite of the file it came from.
+[[nodiscard]] std::string Utf16ToUtf8(std::string_view bytes);
+// `text` is UTF-8, or came from Utf16ToUtf8.
+[[nodiscard]] std::string Utf8ToUtf16(std::string_view text);
+
 // Well-formed UTF-8 throughout: no stray or overlong bytes, no surrogates. ASCII and "" are.
 [[nodiscard]] bool IsUtf8(std::string_view bytes);
 

@@ -10,6 +10,7 @@ namespace txs {
 namespace {
 
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 
 // What is trimmed: blanks, and the Ctrl-Z that old editors put at the end of a file.
 constexpr std::string_view kTrimmed = " \t\v\f\x1A";
@@ -80,7 +81,14 @@ std::string_view ProfileDocument::Line::ValueBytes() const {
 }
 
 ProfileDocument::ProfileDocument(std::string_view bytes) {
-  if (bytes.substr(0, kUtf8Mark.size()) == kUtf8Mark) {
+  std::string text;
+  if (bytes.starts_with(kUtf16Mark) && bytes.size() % 2 == 0) {
+    byte_order_mark_ = kUtf16Mark;
+    text = Utf16ToUtf8(bytes.substr(kUtf16Mark.size()));
+    bytes = text;
+    is_utf8_ = true;
+    is_utf16_ = true;
+  } else if (bytes.substr(0, kUtf8Mark.size()) == kUtf8Mark) {
     byte_order_mark_ = kUtf8Mark;
     bytes.remove_prefix(kUtf8Mark.size());
     is_utf8_ = IsUtf8(bytes);
@@ -388,11 +396,11 @@ std::string ProfileDocument::Bytes() const {
   }
   std::string bytes;
   bytes.reserve(size);
-  bytes += byte_order_mark_;
+  if (!is_utf16_) bytes += byte_order_mark_;
   for (const SectionBlock& section : sections_) {
     for (const Line& line : section.lines) bytes += line.bytes;
   }
-  return bytes;
+  return is_utf16_ ? byte_order_mark_ + Utf8ToUtf16(bytes) : bytes;
 }
 
 }  // namespace txs

@@ -37,7 +37,8 @@ class ProfileDocument {
 
   // Never fails: a line that is no section, key or comment is kept and means nothing. `bytes` is
   // the file as it is on disk, in the ANSI code page; a file that begins with a UTF-8 byte order
-  // mark and is UTF-8 throughout is read and written as UTF-8.
+  // mark and is UTF-8 throughout is read and written as UTF-8, one that begins with that of UTF-16
+  // (what Windows calls "Unicode") as UTF-16.
   explicit ProfileDocument(std::string_view bytes);
 
   // The value of the first such key of the first such section; nothing when it is absent. An empty
@@ -75,7 +76,7 @@ class ProfileDocument {
   static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
   struct Line {
-    std::string bytes;  // as in the file, with its line end
+    std::string bytes;  // as in the file (of UTF-16 as UTF-8), with its line end
     // Where name and value stand in `bytes`, without blanks and quotes; only entries have a name.
     std::size_t name_begin = 0;
     std::size_t name_end = 0;
@@ -113,7 +114,8 @@ class ProfileDocument {
   static void ReplaceValue(Line& line, const Line& entry);
 
   std::string byte_order_mark_;
-  bool is_utf8_ = false;
+  bool is_utf8_ = false;   // the lines are UTF-8
+  bool is_utf16_ = false;  // they are, but the file is not
   // In file order; [0] is the head of the file, before the first header. A removed section stays
   // as a block without lines, so that the indices of the others hold.
   std::vector<SectionBlock> sections_ = std::vector<SectionBlock>(1);

@@ -212,6 +212,25 @@ TEST(ProfileDocument, AFileMarkedAsUtf8ThatIsNotIsAnsi) {
   EXPECT_EQ(document.Value("s", "k"), "Ä");
 }
 
+// As the Windows editor saves it as "Unicode", and as the Windows profile functions read it.
+TEST(ProfileDocument, AFileInUtf16StaysInUtf16) {
+  const auto utf16 = [](std::string_view text) { return "\xFF\xFE" + Utf8ToUtf16(text); };
+  ProfileDocument document(utf16("[s]\r\n; Č\r\nk=Ä\r\n"));
+
+  EXPECT_EQ(document.Value("S", "K"), "Ä");
+  document.Set("s", "l", "Čapek 😀");
+
+  EXPECT_EQ(document.Bytes(), utf16("[s]\r\n; Č\r\nk=Ä\r\nl=Čapek 😀\r\n"));
+}
+
+TEST(ProfileDocument, ADamagedFileInUtf16KeepsItsBytes) {
+  using namespace std::string_literals;
+  for (const std::string& bytes : {"\xFF\xFE"s, "\xFF\xFE["s, "\xFF\xFE[\0s\0]\0\x00\xD8"s,
+                                   "\xFF\xFE\x00\xDC=\0\x00\xD8"s, "\xFF\xFE\0\0\0\0"s}) {
+    EXPECT_EQ(ProfileDocument(bytes).Bytes(), bytes);
+  }
+}
+
 TEST(ProfileDocument, SettingAKeyLeavesEveryOtherLineAlone) {
   ProfileDocument document(
       "; head\r\n\r\n [One] \r\n;c\r\nA = 1\r\njunk\r\n b =\t2 \r\n\r\n[two]\r\na=9\r\n");
