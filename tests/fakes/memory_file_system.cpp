@@ -18,6 +18,15 @@ namespace {
 // The limit of Windows for one component of a path.
 constexpr std::size_t kMaxNameLength = 255;
 
+bool IsDriveLetter(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
+
+bool IsWindowsName(std::string_view name) {
+  return IsUtf8(name) && std::ranges::none_of(name, [](char c) {
+           return static_cast<unsigned char>(c) < 0x20 ||
+                  std::string_view("\"<>|?*:").find(c) != std::string_view::npos;
+         });
+}
+
 }  // namespace
 
 // A file open for reading keeps its bytes even when the file is replaced meanwhile.
@@ -132,10 +141,14 @@ void MemoryFileSystem::SetReadOnly(std::string_view path, bool read_only) {
 
 void MemoryFileSystem::Vanish(std::string_view path) {
   const std::string folded = FoldCase(Normalize(path));
+  if (const Node* node = Find(path); node != nullptr && !node->is_folder) {
+    free_bytes_ += node->bytes->size();
+  }
   nodes_.erase(folded);
   const std::string inside = folded + "\\";
   for (auto node = nodes_.lower_bound(inside);
        node != nodes_.end() && node->first.starts_with(inside);) {
+    if (!node->second.is_folder) free_bytes_ += node->second.bytes->size();
     node = nodes_.erase(node);
   }
 }
@@ -217,6 +230,7 @@ std::unique_ptr<InputFile> MemoryFileSystem::OpenForReading(std::string_view pat
 std::vector<FileEntry> MemoryFileSystem::List(std::string_view folder,
                                               std::string_view pattern) const {
   Count("List", folder);
+  static_cast<void>(NeedPath(folder));
   const Node* node = Find(folder);
   if (node == nullptr || !node->is_folder) {
     Throw(ErrorNumber::kPathNotFound, folder, "Folder not found");
@@ -280,8 +294,10 @@ void MemoryFileSystem::MoveWhole(std::string_view source, std::string_view targe
   const Node from = NeedFile(source);
   if (FoldCase(Normalize(source)) == FoldCase(Normalize(target))) return;
   Node& to = MakeFile(target);
+  free_bytes_ += to.bytes->size();
   to.bytes = from.bytes;
   to.last_write = from.last_write;
+  to.read_only = from.read_only;
   nodes_.erase(FoldCase(Normalize(source)));
 }
 
@@ -295,17 +311,17 @@ void MemoryFileSystem::RemoveFile(std::string_view path) {
 
 void MemoryFileSystem::RemoveTree(std::string_view folder) {
   Count("RemoveTree", folder);
+  const std::string normalized = NeedPath(folder);
   const Node* node = Find(folder);
   if (node == nullptr) return;
+  if (normalized.size() == 2) Throw(ErrorNumber::kPathFileAccess, folder, "Is a whole drive");
   if (!node->is_folder) Throw(ErrorNumber::kPathFileAccess, folder, "Not a folder");
   Vanish(folder);
 }
 
 void MemoryFileSystem::MakeFolder(std::string_view folder) {
   Count("MakeFolder", folder);
-  const std::string normalized = Normalize(folder);
-  if (normalized.empty()) Throw(ErrorNumber::kPathNotFound, folder, "Not a folder's name");
-  MakeFolders(normalized);
+  MakeFolders(NeedPath(folder));
 }
 
 std::vector<std::string> MemoryFileSystem::Drives() const {
@@ -319,14 +335,46 @@ std::vector<std::string> MemoryFileSystem::Drives() const {
 
 std::uint64_t MemoryFileSystem::FreeSpaceBytes(std::string_view path) const {
   Count("FreeSpaceBytes", path);
+  if (Find(NeedPath(path).substr(0, 2)) == nullptr) {
+    Throw(ErrorNumber::kPathNotFound, path, "No such drive");
+  }
   return free_bytes_;
 }
 
 std::string MemoryFileSystem::Normalize(std::string_view path) {
-  std::string normalized = NormalizeDirectory(path);
-  if (normalized.size() == 3 && normalized[1] == ':') normalized.pop_back();
-  if (normalized.empty() || IsAbsolutePath(normalized + "\\")) return normalized;
-  return "C:\\" + normalized;
+  std::string text(path);
+  std::ranges::replace(text, '/', '\\');
+  std::string normalized;
+  if (text.starts_with("\\\\")) {
+    normalized = "\\";  // a network path, which no drive of this computer holds
+  } else if (text.size() >= 2 && text[1] == ':' && IsDriveLetter(text[0])) {
+    normalized = text.substr(0, 2);
+    text.erase(0, 2);
+  } else if (!text.empty()) {
+    normalized = "C:";
+  }
+  const std::size_t root = normalized.size();
+  for (std::size_t start = 0; start < text.size();) {
+    const std::size_t end = std::min(text.find('\\', start), text.size());
+    const std::string name = text.substr(start, end - start);
+    start = end + 1;
+    if (name.empty() || name == ".") continue;
+    if (name == "..") {
+      if (normalized.size() > root) normalized.erase(normalized.rfind('\\'));
+      continue;
+    }
+    if (!IsWindowsName(name)) return {};
+    normalized += "\\" + name;
+  }
+  return normalized;
+}
+
+std::string MemoryFileSystem::NeedPath(std::string_view path) {
+  std::string normalized = Normalize(path);
+  if (normalized.empty()) {
+    Throw(ErrorNumber::kBadFileName, path, "Not a name that Windows accepts");
+  }
+  return normalized;
 }
 
 void MemoryFileSystem::Count(std::string_view operation, std::string_view path) const {
@@ -364,9 +412,10 @@ MemoryFileSystem::Node* MemoryFileSystem::Find(std::string_view path) {
 }
 
 const MemoryFileSystem::Node& MemoryFileSystem::NeedFile(std::string_view path) const {
+  const std::string normalized = NeedPath(path);
   const Node* node = Find(path);
   if (node == nullptr) {
-    const Node* parent = Find(ParentFolder(Normalize(path)));
+    const Node* parent = Find(ParentFolder(normalized));
     const bool folder_exists = parent != nullptr && parent->is_folder;
     Throw(folder_exists ? ErrorNumber::kFileNotFound : ErrorNumber::kPathNotFound, path,
           "File not found");
@@ -376,7 +425,7 @@ const MemoryFileSystem::Node& MemoryFileSystem::NeedFile(std::string_view path) 
 }
 
 MemoryFileSystem::Node& MemoryFileSystem::MakeFile(std::string_view path) {
-  const std::string normalized = Normalize(path);
+  const std::string normalized = NeedPath(path);
   Node* existing = Find(path);
   if (existing != nullptr) {
     if (existing->is_folder) Throw(ErrorNumber::kPathFileAccess, path, "Is a folder");

@@ -94,7 +94,8 @@ class MemoryFileSystem : public FileSystem {
     ErrorNumber error;
   };
 
-  // Full path without doubled separators; empty for what no Windows path can be.
+  // Full path without doubled separators, "." and ".."; a relative one is taken from C:\. Empty for
+  // what no Windows path can be.
   [[nodiscard]] static std::string Normalize(std::string_view path);
   // Records the call; throws when it is to fail.
   void Count(std::string_view operation, std::string_view path) const;
@@ -102,6 +103,8 @@ class MemoryFileSystem : public FileSystem {
   [[nodiscard]] bool CountQuietly(std::string_view operation, std::string_view path) const;
   [[nodiscard]] const Node* Find(std::string_view path) const;
   [[nodiscard]] Node* Find(std::string_view path);
+  // The same as Normalize; throws kBadFileName for what no Windows path can be.
+  [[nodiscard]] static std::string NeedPath(std::string_view path);
   [[nodiscard]] const Node& NeedFile(std::string_view path) const;
   Node& MakeFile(std::string_view path);  // checks as CreateForWriting does
   void MakeFolders(const std::string& normalized);
@@ -115,7 +118,6 @@ class MemoryFileSystem : public FileSystem {
   bool fail_all_after_ = false;
   ErrorNumber fail_error_ = ErrorNumber::kDeviceIo;
   std::vector<Failure> failures_;
-  std::string current_folder_ = "C:";
 };
 
 }  // namespace txs
