@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <tuple>
 #include <utility>
 
@@ -133,6 +134,24 @@ void WriteAll(int fd, const void* data, std::size_t size, off_t offset, bool at_
   }
 }
 
+// Linux appends whatever is written to a file opened for appending, at any offset. Setting the
+// flags of an open file does not fail.
+class NoAppending {
+ public:
+  explicit NoAppending(int fd) : fd_(fd), flags_(fcntl(fd, F_GETFL)) {
+    if ((flags_ & O_APPEND) != 0) fcntl(fd_, F_SETFL, flags_ & ~O_APPEND);
+  }
+  ~NoAppending() {
+    if ((flags_ & O_APPEND) != 0) fcntl(fd_, F_SETFL, flags_);
+  }
+  NoAppending(const NoAppending&) = delete;
+  NoAppending& operator=(const NoAppending&) = delete;
+
+ private:
+  int fd_;
+  int flags_;
+};
+
 class HostInputFile : public InputFile {
  public:
   HostInputFile(Descriptor file, std::uint64_t length, std::string path)
@@ -173,6 +192,7 @@ class HostOutputFile : public OutputFile {
     if (offset + data.size() > static_cast<std::uint64_t>(status.st_size)) {
       Throw(ErrorNumber::kInvalidCall, path_, "WriteAt beyond what was written");
     }
+    const NoAppending no_appending(file_.Get());
     WriteAll(file_.Get(), data.data(), data.size(), static_cast<off_t>(offset),
              /*at_offset=*/true, path_);
   }
@@ -243,6 +263,74 @@ bool IsFolderAt(const std::string& path) {
   return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+bool IsSame(const struct stat& left, const struct stat& right) {
+  return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
+}
+
+// Whether two paths may name the same entry of the same folder. Names that differ in case only
+// count as the same: some file systems do not tell them apart.
+bool IsSameEntry(const std::string& left, const std::string& right) {
+  struct stat left_folder;
+  struct stat right_folder;
+  if (stat(ParentOf(left).c_str(), &left_folder) != 0 ||
+      stat(ParentOf(right).c_str(), &right_folder) != 0) {
+    return true;
+  }
+  return IsSame(left_folder, right_folder) &&
+         EqualNoCase(left.substr(left.rfind('/') + 1), right.substr(right.rfind('/') + 1));
+}
+
+// Where a chain of symbolic links ends, whether or not something is there; empty for a circle.
+std::string EndOfLinks(std::string path) {
+  constexpr int kMostLinks = 40;  // as the kernel has it
+  std::array<char, PATH_MAX> target;
+  for (int i = 0; i < kMostLinks; ++i) {
+    const ssize_t length = readlink(path.c_str(), target.data(), target.size());
+    if (length < 0) return path;
+    const std::string_view link(target.data(), static_cast<std::size_t>(length));
+    path = link.starts_with('/') ? std::string(link) : Below(ParentOf(path), link);
+  }
+  return {};
+}
+
+// Removes the file unless it is told that it was renamed.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(std::string path) : path_(std::move(path)) {}
+  ~TemporaryFile() {
+    if (!is_renamed_) unlink(path_.c_str());
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  // 0 or the error.
+  [[nodiscard]] int RenameTo(const std::string& target) {
+    is_renamed_ = rename(path_.c_str(), target.c_str()) == 0;
+    return is_renamed_ ? 0 : errno;
+  }
+
+ private:
+  std::string path_;
+  bool is_renamed_ = false;
+};
+
+timespec Now() {
+  timespec now = {};
+  clock_gettime(CLOCK_REALTIME, &now);
+  return now;
+}
+
+// File times move in steps of up to 10 ms (kernels before 6.13), on some file systems in whole
+// seconds. What happens to a folder in the same step after `seen_at` does not move its time.
+bool IsTooFreshToTrust(const timespec& time, const timespec& seen_at) {
+  constexpr std::int64_t kStepNs = 20'000'000;
+  constexpr std::int64_t kCoarseStepNs = 2'000'000'000;
+  const std::int64_t age = (std::int64_t{seen_at.tv_sec} - time.tv_sec) * 1'000'000'000 +
+                           (std::int64_t{seen_at.tv_nsec} - time.tv_nsec);
+  // Slightly in the future: the clock of a file server that runs ahead.
+  return age > -kCoarseStepNs && age < (time.tv_nsec == 0 ? kCoarseStepNs : kStepNs);
+}
+
 // Deletes what is in the folder and the folder, goes on after a failure; returns the first error.
 int RemoveFolderAndContents(const std::string& path) {
   int first_error = 0;
@@ -265,12 +353,12 @@ int RemoveFolderAndContents(const std::string& path) {
   for (const auto& [entry_path, is_folder] : entries) {
     if (is_folder) {
       note(RemoveFolderAndContents(entry_path));
-    } else if (unlink(entry_path.c_str()) != 0 && errno == EACCES) {
-      // The read-only flag of Windows lies on files; here it may lie on the folder.
-      if (chmod(path.c_str(), S_IRWXU) != 0 || unlink(entry_path.c_str()) != 0) note(errno);
-    } else if (struct stat status; lstat(entry_path.c_str(), &status) == 0) {
-      note(unlink(entry_path.c_str()) == 0 ? 0 : errno);
+      continue;
     }
+    if (unlink(entry_path.c_str()) == 0 || errno == ENOENT) continue;
+    // The read-only flag of Windows lies on files; here it may lie on the folder.
+    const bool may_retry = errno == EACCES && chmod(path.c_str(), S_IRWXU) == 0;
+    if (!may_retry || unlink(entry_path.c_str()) != 0) note(errno);
   }
   if (rmdir(path.c_str()) != 0) note(errno);
   return first_error;
@@ -283,10 +371,11 @@ int RemoveFolderAndContents(const std::string& path) {
 // see whether one differs only in case.
 //
 // An index holds as long as the folder is the same (device, inode) and its time has not moved; what
-// this program itself does to a folder is entered and the new time taken over. A change that
-// another process makes between our operation and the look at the time goes unseen until the folder
-// changes again: such a file is then not found under another spelling, but never under its own,
-// since the exact name is always asked of the disk first.
+// this program itself does to a folder is entered and the new time taken over. A folder whose time
+// was too fresh when it was listed is listed again at the next question. What remains: a change
+// that another process makes between our own operation and the look at the time, or in the same
+// step of time, goes unseen until the folder changes again. Such a file is then not found under
+// another spelling, but always under its own, since the exact name is asked of the disk first.
 class HostFileSystem::FolderIndexes {
  public:
   // The name's spelling in the folder: the exact one when it is there, else the first in byte
@@ -325,6 +414,8 @@ class HostFileSystem::FolderIndexes {
     dev_t device = 0;
     ino_t inode = 0;
     timespec time = {};
+    // Not after our own operations: making thousands of files would mean a listing for each.
+    bool must_be_listed_again = false;
     std::unordered_map<std::string, std::vector<std::string>> names;  // spellings by folded name
 
     [[nodiscard]] bool Is(const struct stat& status) const {
@@ -343,9 +434,10 @@ class HostFileSystem::FolderIndexes {
     if (stat(folder.c_str(), &status) != 0 || !S_ISDIR(status.st_mode)) return nullptr;
     const auto [place, is_new] = indexes_.try_emplace(folder);
     Index& index = place->second;
-    if (!is_new && index.Is(status)) return &index;
+    if (!is_new && index.Is(status) && !index.must_be_listed_again) return &index;
     index.names.clear();
     index.Take(status);
+    index.must_be_listed_again = IsTooFreshToTrust(status.st_mtim, Now());
     OpenFolder open_folder(folder);
     if (!open_folder.IsOpen()) {
       indexes_.erase(place);
@@ -370,6 +462,7 @@ class HostFileSystem::FolderIndexes {
     const std::string name = path.substr(path.rfind('/') + 1);
     edit(found->second.names[FoldCase(name)], name);
     found->second.Take(status);
+    found->second.must_be_listed_again = false;
   }
 
   std::unordered_map<std::string, Index> indexes_;  // by host path of the folder
@@ -485,7 +578,7 @@ std::string HostFileSystem::LocateFile(std::string_view path) const {
   return place.Path();
 }
 
-std::string HostFileSystem::LocateTarget(std::string_view path) const {
+std::string HostFileSystem::LocateTarget(std::string_view path, Use use) const {
   const Place place = Locate(path);
   if (!place.folder_exists) Throw(ErrorNumber::kPathNotFound, path, "Folder not found");
   const std::string target = place.Path();
@@ -496,11 +589,19 @@ std::string HostFileSystem::LocateTarget(std::string_view path) const {
     if ((status.st_mode & kAnyWriteBit) == 0) {
       Throw(ErrorNumber::kPathFileAccess, path, "The file is read-only");
     }
+    // Opening a pipe would wait for a reader. A device takes what is written to it, but as root we
+    // could rename a file into its place and so take it from the whole computer.
+    const bool may_write =
+        S_ISREG(status.st_mode) || (use == Use::kWrite && S_ISCHR(status.st_mode));
+    if (!may_write) Throw(ErrorNumber::kPathFileAccess, path, "Is no ordinary file");
   }
   return target;
 }
 
-std::string HostFileSystem::HostPath(std::string_view path) const { return Locate(path).Path(); }
+std::string HostFileSystem::HostPath(std::string_view path) const {
+  if (!IsFolderAt(Split(path).front())) Throw(ErrorNumber::kPathNotFound, path, "No such drive");
+  return Locate(path).Path();
+}
 
 std::string HostFileSystem::WindowsPath(std::string_view host_path) const {
   std::string absolute(host_path);
@@ -534,6 +635,9 @@ std::string HostFileSystem::WindowsPath(std::string_view host_path) const {
         best_length = prefix.size();
       }
     }
+  }
+  if (best_length == 0 && IsFolderAt(Below(root_, "drive_z"))) {
+    Throw(ErrorNumber::kPathNotFound, host_path, "Lies on no drive");
   }
   std::string result = {best_letter, ':'};
   result += tidy.substr(best_length);
@@ -596,7 +700,13 @@ std::vector<FileEntry> HostFileSystem::List(std::string_view folder,
   OpenFolder open_folder(path);
   if (!open_folder.IsOpen()) ThrowErrno(errno, folder);
   std::vector<std::pair<std::string, FileEntry>> found;  // folded name, entry
-  while (const dirent* entry = open_folder.Next()) {
+  for (;;) {
+    errno = 0;
+    const dirent* const entry = open_folder.Next();
+    if (entry == nullptr) {
+      if (errno != 0) ThrowErrno(errno, folder);
+      break;
+    }
     const std::string name = entry->d_name;
     if (!IsUtf8(name) || !IsWindowsName(name) || !MatchesWildcard(name, pattern)) continue;
     const bool is_folder =
@@ -614,7 +724,7 @@ std::vector<FileEntry> HostFileSystem::List(std::string_view folder,
 }
 
 std::unique_ptr<OutputFile> HostFileSystem::OpenOutput(std::string_view path, int flags) {
-  const std::string target = LocateTarget(path);
+  const std::string target = LocateTarget(path, Use::kWrite);
   Descriptor file(OpenRetrying(target, O_WRONLY | O_CREAT | O_NOCTTY | flags));
   if (!file.IsOpen()) ThrowErrno(errno, path);
   indexes_->Added(target);
@@ -630,28 +740,29 @@ std::unique_ptr<OutputFile> HostFileSystem::OpenForAppending(std::string_view pa
 }
 
 void HostFileSystem::ReplaceWhole(std::string_view path, std::string_view bytes) {
-  std::string target = LocateTarget(path);
-  // A link stays a link: what it points to is replaced.
-  if (const std::string real = RealPath(target); !real.empty()) target = real;
+  // A link stays a link: what it points to is replaced or made.
+  const std::string target = EndOfLinks(LocateTarget(path, Use::kRenameOver));
+  if (target.empty()) ThrowErrno(ELOOP, path);
   struct stat old_status;
   const bool existed = stat(target.c_str(), &old_status) == 0;
-  std::string temporary = Below(ParentOf(target), ".txs-XXXXXX");
-  Descriptor file(mkostemp(temporary.data(), O_CLOEXEC));
+  std::string temporary_path = Below(ParentOf(target), ".txs-XXXXXX");
+  Descriptor file(mkostemp(temporary_path.data(), O_CLOEXEC));
+  // Only a link can lead to a folder that is missing: the path's own one was just there.
+  if (!file.IsOpen() && errno == ENOENT)
+    Throw(ErrorNumber::kPathNotFound, path, "Folder not found");
   if (!file.IsOpen()) ThrowErrno(errno, path);
-  try {
-    const mode_t mask = umask(0);
-    umask(mask);
-    const mode_t mode = existed ? old_status.st_mode & 07777 : kNewFileMode & ~mask;
-    if (fchmod(file.Get(), mode) != 0) ThrowErrno(errno, path);
-    WriteAll(file.Get(), bytes.data(), bytes.size(), /*offset=*/0, /*at_offset=*/false,
-             std::string(path));
-    if (fsync(file.Get()) != 0) ThrowErrno(errno, path);
-    if (const int error = file.Close(); error != 0) ThrowErrno(error, path);
-    if (rename(temporary.c_str(), target.c_str()) != 0) ThrowErrno(errno, path);
-  } catch (const RuntimeError&) {
-    unlink(temporary.c_str());
-    throw;
-  }
+  TemporaryFile temporary(temporary_path);
+  const mode_t mask = umask(0);
+  umask(mask);
+  const mode_t mode = existed ? old_status.st_mode & 07777 : kNewFileMode & ~mask;
+  // Only root can give a file to another owner; nobody else loses one by this.
+  if (existed) static_cast<void>(fchown(file.Get(), old_status.st_uid, old_status.st_gid) == 0);
+  if (fchmod(file.Get(), mode) != 0) ThrowErrno(errno, path);
+  WriteAll(file.Get(), bytes.data(), bytes.size(), /*offset=*/0, /*at_offset=*/false,
+           std::string(path));
+  if (fsync(file.Get()) != 0) ThrowErrno(errno, path);
+  if (const int error = file.Close(); error != 0) ThrowErrno(error, path);
+  if (const int error = temporary.RenameTo(target); error != 0) ThrowErrno(error, path);
   // Without this the new name may be gone after a power failure. It is in place already, so that a
   // file system that cannot do it is no reason to report a failure.
   const Descriptor folder(OpenRetrying(ParentOf(target), O_RDONLY | O_DIRECTORY));
@@ -668,10 +779,9 @@ void HostFileSystem::CopyWhole(std::string_view source, std::string_view target)
   if (!S_ISREG(status.st_mode)) {
     Throw(ErrorNumber::kPathFileAccess, source, "Is no ordinary file");
   }
-  const std::string to = LocateTarget(target);
+  const std::string to = LocateTarget(target, Use::kWrite);
   struct stat target_status;
-  if (stat(to.c_str(), &target_status) == 0 && target_status.st_dev == status.st_dev &&
-      target_status.st_ino == status.st_ino) {
+  if (stat(to.c_str(), &target_status) == 0 && IsSame(target_status, status)) {
     Throw(ErrorNumber::kPathFileAccess, target, "Cannot copy a file onto itself");
   }
   Descriptor output(OpenRetrying(to, O_WRONLY | O_CREAT | O_TRUNC));
@@ -679,14 +789,19 @@ void HostFileSystem::CopyWhole(std::string_view source, std::string_view target)
   indexes_->Added(to);
 
   bool in_kernel = true;
+  bool has_copied = false;
   std::vector<char> block;
   for (;;) {
     if (in_kernel) {
       const ssize_t copied =
           copy_file_range(input.Get(), nullptr, output.Get(), nullptr, kCopyBlockBytes, 0);
-      if (copied == 0) break;
-      if (copied > 0 || errno == EINTR) continue;
-      if (errno == ENOSPC || errno == EDQUOT || errno == EIO) ThrowErrno(errno, target);
+      if (copied == 0 && has_copied) break;
+      if (copied > 0) has_copied = true;
+      if (copied > 0 || (copied < 0 && errno == EINTR)) continue;
+      if (copied < 0 && NumberOf(errno) == ErrorNumber::kDiskFull) ThrowErrno(errno, target);
+      if (copied < 0 && errno == EIO) ThrowErrno(errno, target);
+      // Files of /proc and the like tell nothing at first and have contents nevertheless; an empty
+      // file costs one read more.
       in_kernel = false;  // not between these file systems; the positions are where they were
       block.resize(kCopyBlockBytes);
     }
@@ -707,16 +822,25 @@ void HostFileSystem::CopyWhole(std::string_view source, std::string_view target)
 void HostFileSystem::MoveWhole(std::string_view source, std::string_view target) {
   const std::string from = LocateFile(source);
   if (IsFolderAt(from)) Throw(ErrorNumber::kPathFileAccess, source, "Is a folder");
-  const std::string to = LocateTarget(target);
-  if (rename(from.c_str(), to.c_str()) == 0) {
-    if (from == to) return;
+  const std::string to = LocateTarget(target, Use::kRenameOver);
+  if (from == to) return;
+  struct stat from_status;
+  struct stat to_status;
+  if (lstat(from.c_str(), &from_status) == 0 && lstat(to.c_str(), &to_status) == 0 &&
+      IsSame(from_status, to_status)) {
+    // Rename does nothing with two names of one file, so the old one must go by itself. But one
+    // name reached by two paths (C:\ and Z:\, a link to its folder) is all that the file has.
+    if (IsSameEntry(from, to)) return;
+    if (unlink(from.c_str()) != 0) ThrowErrno(errno, source);
+  } else if (rename(from.c_str(), to.c_str()) == 0) {
     indexes_->Added(to);
-    indexes_->Removed(from);
-    return;
+  } else {
+    if (errno != EXDEV) ThrowErrno(errno, source);
+    CopyWhole(source, target);
+    // Not RemoveFile, which refuses read-only files: renaming takes them away too.
+    if (unlink(from.c_str()) != 0) ThrowErrno(errno, source);
   }
-  if (errno != EXDEV) ThrowErrno(errno, source);
-  CopyWhole(source, target);
-  RemoveFile(source);
+  indexes_->Removed(from);
 }
 
 void HostFileSystem::RemoveFile(std::string_view path) {
@@ -788,6 +912,7 @@ std::uint64_t HostFileSystem::FreeSpaceBytes(std::string_view path) const {
   std::string place = HostPath(path);
   struct statvfs status;
   while (statvfs(place.c_str(), &status) != 0) {
+    // What is not there yet will be on the volume of the nearest folder above it.
     if (errno != ENOENT || place == "/" || place == ".") ThrowErrno(errno, path);
     place = ParentOf(place);
   }

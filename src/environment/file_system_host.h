@@ -30,7 +30,8 @@ class HostFileSystem : public FileSystem {
   [[nodiscard]] std::string HostPath(std::string_view path) const;
 
   // The Windows name of a host path (absolute, or relative to the current directory): on the drive
-  // whose folder contains it, else on Z:. "/home/me" gives "Z:\home\me".
+  // whose folder contains it, else on Z:. "/home/me" gives "Z:\home\me". Throws kPathNotFound for
+  // what lies on no drive, which only happens where drive_z exists.
   [[nodiscard]] std::string WindowsPath(std::string_view host_path) const;
 
   [[nodiscard]] bool FileExists(std::string_view path) const override;
@@ -52,6 +53,7 @@ class HostFileSystem : public FileSystem {
 
  private:
   class FolderIndexes;
+  enum class Use { kWrite, kRenameOver };
 
   // Where a Windows path lies on the host.
   struct Place {
@@ -69,8 +71,8 @@ class HostFileSystem : public FileSystem {
   [[nodiscard]] std::string DriveFolder(char letter) const;
   [[nodiscard]] Place Locate(std::string_view path) const;
   [[nodiscard]] std::string LocateFile(std::string_view path) const;  // throws when missing
-  [[nodiscard]] std::string LocateTarget(
-      std::string_view path) const;  // throws when no file can be
+  // Throws when no file can be there. Only ordinary files are renamed over, devices written to.
+  [[nodiscard]] std::string LocateTarget(std::string_view path, Use use) const;
   [[nodiscard]] std::unique_ptr<OutputFile> OpenOutput(std::string_view path, int flags);
 
   std::string root_;

@@ -282,6 +282,13 @@ TYPED_TEST(FileSystemContract, RemovingATreeThatIsMissingDoesNothingAndAFileIsNo
   EXPECT_TRUE(this->files.FileExists("C:\\Demo\\x"));
 }
 
+TYPED_TEST(FileSystemContract, AWholeDriveIsNeverRemoved) {
+  EXPECT_EQ(this->ErrorOf([&] { this->files.RemoveTree("C:\\"); }), 75);
+  EXPECT_EQ(this->ErrorOf([&] { this->files.RemoveTree("C:\\Demo\\.."); }), 75);
+
+  EXPECT_TRUE(this->files.FolderExists("C:\\Demo"));
+}
+
 TYPED_TEST(FileSystemContract, AFolderIsMadeWithItsParentsAndOnce) {
   this->files.MakeFolder("C:\\Demo\\a\\b");
   this->files.MakeFolder("C:\\DEMO\\A\\b\\");
@@ -336,6 +343,101 @@ TYPED_TEST(FileSystemContract, ThousandsOfFilesInOneFolderKeepTheirSpelling) {
   EXPECT_EQ(this->files.List("C:\\Demo", "*").size(), 1000u);
   EXPECT_TRUE(this->files.FileExists("C:\\demo\\fILE1999"));
   EXPECT_FALSE(this->files.FileExists("C:\\demo\\fILE1998"));
+}
+
+TYPED_TEST(FileSystemContract, DotsInAPathAreResolvedAndNothingClimbsAboveTheDrive) {
+  this->Write("C:\\Demo\\x", "1");
+
+  EXPECT_EQ(this->files.ReadWhole("C:\\Demo\\none\\..\\.\\x"), "1");
+  EXPECT_EQ(this->files.ReadWhole("C:\\..\\..\\Demo\\x"), "1");
+  EXPECT_TRUE(this->files.FolderExists("C:\\Demo\\.."));
+}
+
+TYPED_TEST(FileSystemContract, NamesThatWindowsCannotHaveAreRefused) {
+  for (const std::string& path :
+       {std::string("C:\\Demo\\a\0b", 10), std::string("C:\\Demo\\a\"b"),
+        std::string("C:\\Demo\\a*"), std::string("C:\\Demo\\a\nb"), std::string("C:\\Demo\\a:b"),
+        std::string("C:\\Demo\\\xFF"), std::string()}) {
+    EXPECT_EQ(this->ErrorOf([&] { (void)this->files.OpenForReading(path); }), 52) << path;
+    EXPECT_EQ(this->ErrorOf([&] { this->Write(path, "1"); }), 52) << path;
+    EXPECT_EQ(this->ErrorOf([&] { this->files.ReplaceWhole(path, "1"); }), 52) << path;
+    EXPECT_EQ(this->ErrorOf([&] { this->files.MakeFolder(path); }), 52) << path;
+    EXPECT_FALSE(this->files.FileExists(path)) << path;
+    EXPECT_FALSE(this->files.FolderExists(path)) << path;
+  }
+  EXPECT_EQ(this->Names("C:\\Demo", "*"), std::vector<std::string>{});
+}
+
+TYPED_TEST(FileSystemContract, NetworkPathsAreNotFound) {
+  EXPECT_EQ(this->ErrorOf([&] { (void)this->files.ReadWhole("\\\\server\\share\\x"); }), 76);
+  EXPECT_EQ(this->ErrorOf([&] { this->Write("\\\\server\\share\\x", ""); }), 76);
+  EXPECT_EQ(this->ErrorOf([&] { this->files.MakeFolder("\\\\server\\share\\x"); }), 76);
+}
+
+TYPED_TEST(FileSystemContract, WhatLiesBelowAFileIsNotFound) {
+  this->Write("C:\\Demo\\x", "1");
+
+  EXPECT_EQ(this->ErrorOf([&] { (void)this->files.ReadWhole("C:\\Demo\\x\\y"); }), 76);
+  EXPECT_EQ(this->ErrorOf([&] { this->Write("C:\\Demo\\x\\y", ""); }), 76);
+  EXPECT_EQ(this->ErrorOf([&] { this->files.MakeFolder("C:\\Demo\\x\\y"); }), 75);
+  this->files.RemoveTree("C:\\Demo\\x\\y");
+  EXPECT_EQ(this->files.ReadWhole("C:\\Demo\\x"), "1");
+}
+
+TYPED_TEST(FileSystemContract, WriteAtChangesAnAppendedFileInPlaceToo) {
+  this->Write("C:\\Demo\\x", "abcdef");
+  const auto file = this->files.OpenForAppending("C:\\Demo\\x");
+
+  file->WriteAt(1, std::as_bytes(std::span(std::string_view("XY"))));
+  file->Write(std::as_bytes(std::span(std::string_view("g"))));
+  file->Close();
+
+  EXPECT_EQ(this->files.ReadWhole("C:\\Demo\\x"), "aXYdefg");
+}
+
+TYPED_TEST(FileSystemContract, AReadOnlyTargetIsNeitherCopiedNorMovedOver) {
+  this->Write("C:\\Demo\\new", "new");
+  this->Write("C:\\Demo\\fixed", "old");
+  this->world.SetReadOnly("C:\\Demo\\fixed");
+
+  EXPECT_EQ(this->ErrorOf([&] { this->files.CopyWhole("C:\\Demo\\new", "C:\\Demo\\fixed"); }), 75);
+  EXPECT_EQ(this->ErrorOf([&] { this->files.MoveWhole("C:\\Demo\\new", "C:\\Demo\\fixed"); }), 75);
+
+  EXPECT_EQ(this->files.ReadWhole("C:\\Demo\\new"), "new");
+  EXPECT_EQ(this->files.ReadWhole("C:\\Demo\\fixed"), "old");
+}
+
+TYPED_TEST(FileSystemContract, AFileIsNeitherCopiedNorMovedOverAFolder) {
+  this->Write("C:\\Demo\\x", "1");
+  this->files.MakeFolder("C:\\Demo\\folder");
+
+  EXPECT_EQ(this->ErrorOf([&] { this->files.CopyWhole("C:\\Demo\\x", "C:\\Demo\\folder"); }), 75);
+  EXPECT_EQ(this->ErrorOf([&] { this->files.MoveWhole("C:\\Demo\\x", "C:\\Demo\\folder"); }), 75);
+  EXPECT_EQ(this->ErrorOf([&] { this->files.MoveWhole("C:\\Demo\\folder", "C:\\Demo\\y"); }), 75);
+
+  EXPECT_EQ(this->Names("C:\\Demo", "*"), (std::vector<std::string>{"folder\\", "x"}));
+}
+
+TYPED_TEST(FileSystemContract, AReadOnlyFileCanBeMovedAndStaysReadOnly) {
+  this->Write("C:\\Demo\\fixed", "1");
+  this->world.SetReadOnly("C:\\Demo\\fixed");
+
+  this->files.MoveWhole("C:\\Demo\\fixed", "C:\\Demo\\moved");
+
+  EXPECT_EQ(this->Names("C:\\Demo", "*"), std::vector<std::string>{"moved"});
+  EXPECT_EQ(this->ErrorOf([&] { this->Write("C:\\Demo\\moved", "2"); }), 75);
+}
+
+TYPED_TEST(FileSystemContract, MovingAFileOntoItselfKeepsIt) {
+  this->Write("C:\\Demo\\a", "contents");
+
+  this->files.MoveWhole("C:\\Demo\\a", "C:\\Demo\\A");
+
+  EXPECT_EQ(this->files.ReadWhole("C:\\Demo\\a"), "contents");
+}
+
+TYPED_TEST(FileSystemContract, ADriveThatIsMissingHasNoFreeSpace) {
+  EXPECT_EQ(this->ErrorOf([&] { (void)this->files.FreeSpaceBytes("Q:\\x"); }), 76);
 }
 
 }  // namespace
