@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -242,6 +243,17 @@ std::vector<std::string> PlacesOf(Hive hive, std::string_view key) {
   return places;
 }
 
+// Whether a key below HKEY_LOCAL_MACHINE\Software\Wow6432Node belongs into a tree that is there:
+// the key itself or a key above it, up to the vendor's.
+bool HasTreeOf(const RegistryFile& file, std::string_view wow_place) {
+  const std::string_view top = "HKEY_LOCAL_MACHINE\\Software\\Wow6432Node";
+  while (wow_place.size() > top.size()) {
+    if (file.HasKey(wow_place)) return true;
+    wow_place = wow_place.substr(0, wow_place.rfind('\\'));
+  }
+  return false;
+}
+
 std::string NewPlaceOf(Hive hive, std::string_view key) {
   switch (hive) {
     case Hive::kCurrentUser:
@@ -382,10 +394,13 @@ void HostRegistry::Write(Hive hive, std::string_view key, std::string_view name,
                          const RegistryValue& value) {
   state_->Change([&](RegistryFile& file) {
     std::string target = NewPlaceOf(hive, key);
-    for (const std::string& place : PlacesOf(hive, key)) {
-      if (!file.HasKey(place)) continue;
-      target = place;
-      break;
+    const std::vector<std::string> places = PlacesOf(hive, key);
+    if (hive == Hive::kLocalMachine) {
+      if (places.size() > 1 && HasTreeOf(file, places.front())) target = places.front();
+    } else {
+      const auto existing = std::ranges::find_if(
+          places, [&](const std::string& place) { return file.HasKey(place); });
+      if (existing != places.end()) target = *existing;
     }
     if (file.Value(target, name) == value) return false;
     file.Set(target, name, value);

@@ -4,12 +4,14 @@
 // The 32-bit view of an export from 64-bit Windows: below HKEY_LOCAL_MACHINE\Software a value under
 // Software\Wow6432Node is seen first, the plain key where that has none; subkeys are those of both,
 // the 32-bit ones first. HKEY_CLASSES_ROOT is what the file says under that name, then the user's
-// and the machine's Software\Classes. Writing goes to the first of these keys that exists, else to
-// the key as named; removing a key removes it in all these places.
+// and the machine's Software\Classes. Writing below HKEY_LOCAL_MACHINE goes to Wow6432Node when the
+// file has the key or one above it there ("ORBEKA GmbH"), as the studio of that computer would; a
+// class goes to the first of its keys that exists; else the key is made as named. Removing a key
+// removes it in all these places.
 //
 // The file is read again when it has changed. Writing takes a lock (the file with ".lock" behind
 // its name, which stays), reads what is there by then, and replaces the file atomically: two
-// processes do not lose each other's values..
+// processes do not lose each other's values.
 #pragma once
 
 #include <memory>

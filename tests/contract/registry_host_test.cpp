@@ -163,6 +163,22 @@ TEST_F(HostRegistryTest, WritingGoesToTheWow6432NodeKeyThatExistsElseToThePlainO
                          "\"b\"=\"plain\"\r\n");
 }
 
+TEST_F(HostRegistryTest, ANewKeyIsMadeInTheWow6432NodeTreeThatHasItsParent) {
+  PutKeys(
+      "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Demo\\Projects]\r\n\"a\"=\"64\"\r\n"
+      "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node\\Demo]\r\n\"a\"=\"32\"\r\n");
+  HostRegistry registry(path);
+
+  registry.Write(kMachine, "Software\\Demo\\Projects\\One", "b", "32");
+  registry.Write(kMachine, "Software\\Demo\\Projects", "b", "32");
+
+  EXPECT_EQ(registry.Read(kMachine, "Software\\Wow6432Node\\Demo\\Projects\\One", "b"),
+            RegistryValue("32"));
+  EXPECT_EQ(registry.Read(kMachine, "Software\\Wow6432Node\\Demo\\Projects", "b"),
+            RegistryValue("32"));
+  EXPECT_EQ(registry.Read(kMachine, "Software\\Demo\\Projects", "a"), RegistryValue("64"));
+}
+
 TEST_F(HostRegistryTest, RemovingAKeyRemovesItInBothViews) {
   PutKeys(
       "[HKEY_LOCAL_MACHINE\\SOFTWARE\\P\\One]\r\n\"a\"=\"1\"\r\n"
