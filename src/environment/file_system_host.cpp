@@ -228,6 +228,13 @@ std::string Below(const std::string& folder, std::string_view name) {
   return path;
 }
 
+// The components of a host path, the first of which is absolute, as one path.
+std::string Joined(const std::vector<std::string>& components) {
+  std::string path = components.front();
+  for (std::size_t i = 1; i < components.size(); ++i) path = Below(path, components[i]);
+  return path;
+}
+
 std::string RealPath(const std::string& path) {
   std::array<char, PATH_MAX> resolved;
   return realpath(path.c_str(), resolved.data()) == nullptr ? std::string()
@@ -380,15 +387,21 @@ class HostFileSystem::FolderIndexes {
  public:
   // The name's spelling in the folder: the exact one when it is there, else the first in byte
   // order that differs only in case. Nothing when there is none or the folder cannot be read.
+  // *is_folder (may be null) tells whether there was a folder to look in.
   [[nodiscard]] std::optional<std::string> Spelling(const std::string& folder,
-                                                    std::string_view name) {
+                                                    std::string_view name,
+                                                    bool* is_folder = nullptr) {
     Index* index = Current(folder);
+    if (is_folder != nullptr) *is_folder = index != nullptr;
     if (index == nullptr) return std::nullopt;
     const auto found = index->names.find(FoldCase(name));
     if (found == index->names.end() || found->second.empty()) return std::nullopt;
     if (std::ranges::find(found->second, name) != found->second.end()) return std::string(name);
     return *std::ranges::min_element(found->second);
   }
+
+  // Whether the folder's names were read before; they may have changed since.
+  [[nodiscard]] bool Knows(const std::string& folder) const { return indexes_.contains(folder); }
 
   // What this program just did to the folder.
   void Added(const std::string& path) {
@@ -522,24 +535,58 @@ std::vector<std::string> HostFileSystem::Split(std::string_view path) const {
   return components;
 }
 
+HostFileSystem::Exact HostFileSystem::ExactPlace(std::string_view path) const {
+  // File after file lies in the folder of the one before. What a folder's text means depends on the
+  // text alone, but for Z:, which is the host's root only while there is no drive_z.
+  const std::size_t separator = path.rfind('\\');
+  if (separator != std::string_view::npos && separator > 2 && path[1] == ':' && path[0] != 'Z' &&
+      path[0] != 'z') {
+    const std::string_view name = path.substr(separator + 1);
+    const bool is_plain = name != "." && name != ".." && IsWindowsName(name) && IsUtf8(name);
+    if (is_plain) {
+      if (path.substr(0, separator) != last_folder_) {
+        last_folder_host_ = Joined(Split(path.substr(0, separator)));
+        last_folder_ = path.substr(0, separator);
+      }
+      return {last_folder_host_, std::string(name)};
+    }
+  }
+  std::vector<std::string> components = Split(path);
+  if (components.size() == 1) return {components.front(), {}};
+  std::string name = std::move(components.back());
+  components.pop_back();
+  return {Joined(components), std::move(name)};
+}
+
 HostFileSystem::Place HostFileSystem::Locate(std::string_view path) const {
-  const std::vector<std::string> components = Split(path);
   Place place;
-  place.folder = components.front();
   struct stat status;
-  if (components.size() == 1) {
-    place.exists = stat(place.folder.c_str(), &status) == 0;
-    place.folder_exists = place.exists;
-    return place;
+  {
+    Exact exact = ExactPlace(path);
+    if (exact.name.empty()) {
+      place.exists = stat(exact.folder.c_str(), &status) == 0;
+      place.folder_exists = place.exists;
+      place.folder = std::move(exact.folder);
+      return place;
+    }
+    // The exact spelling first, in one call. Where the names of the folder are known, they tell as
+    // well that there is no such file, under any spelling.
+    const bool is_known = indexes_->Knows(exact.folder);
+    if (!is_known && stat(Below(exact.folder, exact.name).c_str(), &status) == 0) {
+      return {std::move(exact.folder), std::move(exact.name), /*exists=*/true,
+              /*folder_exists=*/true};
+    }
+    bool folder_exists = false;
+    const std::optional<std::string> spelling =
+        indexes_->Spelling(exact.folder, exact.name, &folder_exists);
+    if (folder_exists) {
+      return {std::move(exact.folder), spelling.value_or(exact.name), spelling.has_value(),
+              folder_exists};
+    }
   }
 
-  // The exact spelling first, in one call.
-  std::string exact = components.front();
-  for (std::size_t i = 1; i + 1 < components.size(); ++i) exact = Below(exact, components[i]);
-  if (stat(Below(exact, components.back()).c_str(), &status) == 0) {
-    return {exact, components.back(), /*exists=*/true, /*folder_exists=*/true};
-  }
-
+  const std::vector<std::string> components = Split(path);
+  place.folder = components.front();
   for (std::size_t i = 1; i < components.size(); ++i) {
     const bool is_last = i + 1 == components.size();
     if (!is_last) {
@@ -567,6 +614,11 @@ HostFileSystem::Place HostFileSystem::Locate(std::string_view path) const {
     }
   }
   return place;
+}
+
+std::string HostFileSystem::ExactPath(std::string_view path) const {
+  const Exact exact = ExactPlace(path);
+  return exact.name.empty() ? exact.folder : Below(exact.folder, exact.name);
 }
 
 std::string HostFileSystem::LocateFile(std::string_view path) const {
@@ -659,11 +711,7 @@ bool HostFileSystem::FolderExists(std::string_view path) const {
 std::optional<FileStamp> HostFileSystem::Stamp(std::string_view path) const {
   try {
     struct stat status;
-    const std::vector<std::string> components = Split(path);
-    std::string exact = components.front();
-    for (std::size_t i = 1; i < components.size(); ++i) exact = Below(exact, components[i]);
-    const bool is_exact = stat(exact.c_str(), &status) == 0;
-    if (!is_exact) {
+    if (stat(ExactPath(path).c_str(), &status) != 0) {
       const Place place = Locate(path);
       if (!place.exists || stat(place.Path().c_str(), &status) != 0) return std::nullopt;
     }
@@ -675,11 +723,8 @@ std::optional<FileStamp> HostFileSystem::Stamp(std::string_view path) const {
 }
 
 std::unique_ptr<InputFile> HostFileSystem::OpenForReading(std::string_view path) const {
-  const std::vector<std::string> components = Split(path);
-  std::string exact = components.front();
-  for (std::size_t i = 1; i < components.size(); ++i) exact = Below(exact, components[i]);
   // A pipe or a device must not hold the program up.
-  Descriptor file(OpenRetrying(exact, O_RDONLY | O_NONBLOCK));
+  Descriptor file(OpenRetrying(ExactPath(path), O_RDONLY | O_NONBLOCK));
   if (!file.IsOpen() && (errno == ENOENT || errno == ENOTDIR)) {
     file = Descriptor(OpenRetrying(LocateFile(path), O_RDONLY | O_NONBLOCK));
   }
@@ -821,13 +866,16 @@ void HostFileSystem::CopyWhole(std::string_view source, std::string_view target)
 
 void HostFileSystem::MoveWhole(std::string_view source, std::string_view target) {
   const std::string from = LocateFile(source);
-  if (IsFolderAt(from)) Throw(ErrorNumber::kPathFileAccess, source, "Is a folder");
+  struct stat from_status;
+  if (lstat(from.c_str(), &from_status) != 0) ThrowErrno(errno, source);
+  const bool is_link = S_ISLNK(from_status.st_mode);
+  if (S_ISDIR(from_status.st_mode) || (is_link && IsFolderAt(from))) {
+    Throw(ErrorNumber::kPathFileAccess, source, "Is a folder");
+  }
   const std::string to = LocateTarget(target, Use::kRenameOver);
   if (from == to) return;
-  struct stat from_status;
   struct stat to_status;
-  if (lstat(from.c_str(), &from_status) == 0 && lstat(to.c_str(), &to_status) == 0 &&
-      IsSame(from_status, to_status)) {
+  if (lstat(to.c_str(), &to_status) == 0 && IsSame(from_status, to_status)) {
     // Rename does nothing with two names of one file, so the old one must go by itself. But one
     // name reached by two paths (C:\ and Z:\, a link to its folder) is all that the file has.
     if (IsSameEntry(from, to)) return;

@@ -69,6 +69,14 @@ class HostFileSystem : public FileSystem {
   // folder.
   [[nodiscard]] std::vector<std::string> Split(std::string_view path) const;
   [[nodiscard]] std::string DriveFolder(char letter) const;
+  // The folder's host path and the last name, both spelled as the caller does; the name is empty
+  // for a drive. Asks nothing of the disk.
+  struct Exact {
+    std::string folder;
+    std::string name;
+  };
+  [[nodiscard]] Exact ExactPlace(std::string_view path) const;
+  [[nodiscard]] std::string ExactPath(std::string_view path) const;
   [[nodiscard]] Place Locate(std::string_view path) const;
   [[nodiscard]] std::string LocateFile(std::string_view path) const;  // throws when missing
   // Throws when no file can be there. Only ordinary files are renamed over, devices written to.
@@ -77,6 +85,8 @@ class HostFileSystem : public FileSystem {
 
   std::string root_;
   std::unique_ptr<FolderIndexes> indexes_;
+  mutable std::string last_folder_;       // of the last path that ExactPlace split
+  mutable std::string last_folder_host_;  // what it means
 };
 
 }  // namespace txs
