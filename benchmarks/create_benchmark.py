@@ -1,12 +1,16 @@
 #!/usr/bin/env python3
 """What a whole Create costs, beside zip and 7z on the same files in the same run.
 
-    create_benchmark.py WIZARD [--dlls DIR] [--rounds N] [--big]
+    create_benchmark.py WIZARD [--dlls DIR] [--rounds N] [--big] [--place DIR]
 
-Operations: dlls (real Windows DLLs, one row each), small (5,000 small files), empty (a project
-without rows), rows (10,000 to 100,000 rows that name few files: reading, checking, script), big (one
+Operations: dlls (real Windows DLLs, one row each), small and tiny (5,000 files of 1 to 32 KB, and of
+2 KB), empty (a project without rows), rows (10,000 to 100,000 rows that all name one file), big (one
 file of 1 GiB, only with --big). Times are wall seconds, best of N rounds; memory is the peak resident
 set of the process. Nothing here passes or fails: the figures are for docs/PERFORMANCE.md.
+
+Everything lies in a folder in memory (/dev/shm) unless --place names another: a disk adds its own
+habits. ext4, for one, gives no inode away again for some minutes after a deletion, so that thousands
+of files made after thousands were deleted cost many times what they cost at first.
 """
 
 import argparse
@@ -23,10 +27,12 @@ STUDIO = r"HKEY_LOCAL_MACHINE\Software\ORBEKA GmbH\Tavix\4.0"
 
 
 class World:
-    """A studio with one project in a temporary folder, on the disk that /var/tmp is on."""
+    """A studio with one project in a temporary folder."""
+
+    place = "/dev/shm"
 
     def __init__(self):
-        self.root = tempfile.mkdtemp(prefix="txs-bench-", dir="/var/tmp")
+        self.root = tempfile.mkdtemp(prefix="txs-bench-", dir=World.place)
         self.project = os.path.join(self.root, "drive_c", "Bench")
         for folder in (self.project, os.path.join(self.root, "drive_c", "Studio", "SetupKit")):
             os.makedirs(folder)
@@ -56,6 +62,7 @@ class World:
             file.write(text.encode("cp1252"))
 
     def create(self, wizard):
+        shutil.rmtree(os.path.join(self.root, "drive_c", "Out"), ignore_errors=True)
         environment = {**os.environ, "TAVIX_ROOT": self.root}
         environment.pop("DISPLAY", None)
         figures = measure([wizard, "/c=Bench"], environment)
@@ -124,7 +131,9 @@ def main():
     parser.add_argument("--dlls", default="/usr/lib/x86_64-linux-gnu/wine/x86_64-windows")
     parser.add_argument("--rounds", type=int, default=3)
     parser.add_argument("--big", action="store_true")
+    parser.add_argument("--place", default=World.place)
     options = parser.parse_args()
+    World.place = options.place
     rng = random.Random(1)
 
     dlls = sorted(path for path in glob.glob(os.path.join(options.dlls, "*.dll")))
@@ -137,14 +146,16 @@ def main():
     else:
         print(f"dlls: no DLLs in {options.dlls} (package libwine carries some); not measured")
 
-    world = World()
-    names = []
-    for number in range(5000):
-        names.append(f"f{number}.txt")
-        words = [rng.choice(["alarm", "valve", "Pumpe", "0", "true", "level", "\r\n"]) for _ in range(400)]
-        world.add(names[-1], " ".join(words).encode())
-    beside_peers("small", world, names, options.wizard, options.rounds)
-    world.remove()
+    words = ["alarm", "valve", "Pumpe", "0", "true", "level", "\r\n", "Grenzwert", "25.4", "<Silo>"]
+    for title, largest in (("small", 6000), ("tiny", 400)):
+        world = World()
+        names = []
+        for number in range(5000):
+            names.append(f"f{number}.txt")
+            count = rng.randrange(200, largest) if title == "small" else largest
+            world.add(names[-1], " ".join(rng.choices(words, k=count)).encode())
+        beside_peers(title, world, names, options.wizard, options.rounds)
+        world.remove()
 
     world = World()
     world.settings([])
