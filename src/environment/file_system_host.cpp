@@ -18,6 +18,7 @@
 #include <utility>
 
 #include "environment/code_page.h"
+#include "environment/host_calls_host.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
 
@@ -25,113 +26,23 @@ namespace txs {
 namespace {
 
 constexpr std::size_t kCopyBlockBytes = 1024 * 1024;
-constexpr mode_t kNewFileMode = 0666;
 constexpr mode_t kNewFolderMode = 0777;
 constexpr mode_t kAnyWriteBit = 0222;
-
-ErrorNumber NumberOf(int error) {
-  switch (error) {
-    case ENOENT:
-      return ErrorNumber::kFileNotFound;
-    case ENOTDIR:
-      return ErrorNumber::kPathNotFound;
-    case EACCES:
-    case EPERM:
-    case EROFS:
-    case EBUSY:
-    case ETXTBSY:
-      return ErrorNumber::kPermissionDenied;
-    case EEXIST:
-      return ErrorNumber::kAlreadyExists;
-    case ENOSPC:
-    case EDQUOT:
-    case EFBIG:
-      return ErrorNumber::kDiskFull;
-    case EIO:
-      return ErrorNumber::kDeviceIo;
-    case EMFILE:
-    case ENFILE:
-      return ErrorNumber::kTooManyFiles;
-    case ENAMETOOLONG:
-    case EINVAL:
-    case EILSEQ:
-    case ELOOP:
-      return ErrorNumber::kBadFileName;
-    case ENODEV:
-    case ENXIO:
-      return ErrorNumber::kDeviceUnavailable;
-    case ENOMEM:
-      return ErrorNumber::kOutOfMemory;
-    default:
-      return ErrorNumber::kPathFileAccess;  // EISDIR, ENOTEMPTY and what has no number of its own
-  }
-}
-
-[[noreturn]] void Throw(ErrorNumber number, std::string_view path, std::string_view words) {
-  throw RuntimeError(number, std::string(path) + ": " + std::string(words));
-}
-
-[[noreturn]] void ThrowErrno(int error, std::string_view path) {
-  Throw(NumberOf(error), path, std::strerror(error));
-}
-
-class Descriptor {
- public:
-  Descriptor() = default;
-  explicit Descriptor(int fd) : fd_(fd) {}
-  ~Descriptor() { CloseQuietly(); }
-  Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-  Descriptor& operator=(Descriptor&& other) noexcept {
-    CloseQuietly();
-    fd_ = std::exchange(other.fd_, -1);
-    return *this;
-  }
-
-  [[nodiscard]] int Get() const { return fd_; }
-  [[nodiscard]] bool IsOpen() const { return fd_ >= 0; }
-
-  // 0 or the error; the descriptor is gone in both cases.
-  [[nodiscard]] int Close() { return close(std::exchange(fd_, -1)) == 0 ? 0 : errno; }
-
- private:
-  void CloseQuietly() {
-    if (fd_ >= 0) close(fd_);
-    fd_ = -1;
-  }
-
-  int fd_ = -1;
-};
-
-int OpenRetrying(const std::string& path, int flags) {
-  for (;;) {
-    const int fd = open(path.c_str(), flags | O_CLOEXEC, kNewFileMode);
-    if (fd >= 0 || errno != EINTR) return fd;
-  }
-}
 
 FileTime TimeOf(const timespec& time) {
   return FileTime(FileTicks(std::int64_t{time.tv_sec} * 10'000'000 + time.tv_nsec / 100));
 }
 
-FileStamp StampOf(const struct stat& status) {
-  return {static_cast<std::uint64_t>(status.st_size), TimeOf(status.st_mtim)};
+std::int64_t NanosecondsOf(const timespec& time) {
+  return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
 }
 
-// Writes everything or throws.
-void WriteAll(int fd, const void* data, std::size_t size, off_t offset, bool at_offset,
-              const std::string& path) {
-  const char* position = static_cast<const char*>(data);
-  while (size > 0) {
-    const ssize_t written =
-        at_offset ? pwrite(fd, position, size, offset) : write(fd, position, size);
-    if (written < 0) {
-      if (errno == EINTR) continue;
-      ThrowErrno(errno, path);
-    }
-    position += written;
-    offset += written;
-    size -= static_cast<std::size_t>(written);
-  }
+std::string_view AsText(std::span<const std::byte> bytes) {
+  return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+FileStamp StampOf(const struct stat& status) {
+  return {static_cast<std::uint64_t>(status.st_size), TimeOf(status.st_mtim)};
 }
 
 // Linux appends whatever is written to a file opened for appending, at any offset. Setting the
@@ -183,18 +94,27 @@ class HostOutputFile : public OutputFile {
       : file_(std::move(file)), path_(std::move(path)) {}
 
   void Write(std::span<const std::byte> data) override {
-    WriteAll(file_.Get(), data.data(), data.size(), /*offset=*/0, /*at_offset=*/false, path_);
+    WriteAll(file_.Get(), AsText(data), path_);
   }
 
   void WriteAt(std::uint64_t offset, std::span<const std::byte> data) override {
     struct stat status;
     if (fstat(file_.Get(), &status) != 0) ThrowErrno(errno, path_);
     if (offset + data.size() > static_cast<std::uint64_t>(status.st_size)) {
-      Throw(ErrorNumber::kInvalidCall, path_, "WriteAt beyond what was written");
+      ThrowAbout(ErrorNumber::kInvalidCall, path_, "WriteAt beyond what was written");
     }
     const NoAppending no_appending(file_.Get());
-    WriteAll(file_.Get(), data.data(), data.size(), static_cast<off_t>(offset),
-             /*at_offset=*/true, path_);
+    std::string_view rest = AsText(data);
+    while (!rest.empty()) {
+      const ssize_t written =
+          pwrite(file_.Get(), rest.data(), rest.size(), static_cast<off_t>(offset));
+      if (written < 0) {
+        if (errno == EINTR) continue;
+        ThrowErrno(errno, path_);
+      }
+      offset += static_cast<std::uint64_t>(written);
+      rest.remove_prefix(static_cast<std::size_t>(written));
+    }
   }
 
   void Close() override {
@@ -298,44 +218,6 @@ std::string EndOfLinks(std::string path) {
     path = link.starts_with('/') ? std::string(link) : Below(ParentOf(path), link);
   }
   return {};
-}
-
-// Removes the file unless it is told that it was renamed.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(std::string path) : path_(std::move(path)) {}
-  ~TemporaryFile() {
-    if (!is_renamed_) unlink(path_.c_str());
-  }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-  // 0 or the error.
-  [[nodiscard]] int RenameTo(const std::string& target) {
-    is_renamed_ = rename(path_.c_str(), target.c_str()) == 0;
-    return is_renamed_ ? 0 : errno;
-  }
-
- private:
-  std::string path_;
-  bool is_renamed_ = false;
-};
-
-timespec Now() {
-  timespec now = {};
-  clock_gettime(CLOCK_REALTIME, &now);
-  return now;
-}
-
-// File times move in steps of up to 10 ms (kernels before 6.13), on some file systems in whole
-// seconds. What happens to a folder in the same step after `seen_at` does not move its time.
-bool IsTooFreshToTrust(const timespec& time, const timespec& seen_at) {
-  constexpr std::int64_t kStepNs = 20'000'000;
-  constexpr std::int64_t kCoarseStepNs = 2'000'000'000;
-  const std::int64_t age = (std::int64_t{seen_at.tv_sec} - time.tv_sec) * 1'000'000'000 +
-                           (std::int64_t{seen_at.tv_nsec} - time.tv_nsec);
-  // Slightly in the future: the clock of a file server that runs ahead.
-  return age > -kCoarseStepNs && age < (time.tv_nsec == 0 ? kCoarseStepNs : kStepNs);
 }
 
 // Deletes what is in the folder and the folder, goes on after a failure; returns the first error.
@@ -450,7 +332,7 @@ class HostFileSystem::FolderIndexes {
     if (!is_new && index.Is(status) && !index.must_be_listed_again) return &index;
     index.names.clear();
     index.Take(status);
-    index.must_be_listed_again = IsTooFreshToTrust(status.st_mtim, Now());
+    index.must_be_listed_again = IsTooFreshToTrust(NanosecondsOf(status.st_mtim), NowNs());
     OpenFolder open_folder(folder);
     if (!open_folder.IsOpen()) {
       indexes_.erase(place);
@@ -504,9 +386,9 @@ std::vector<std::string> HostFileSystem::Split(std::string_view path) const {
   std::string text(path);
   std::ranges::replace(text, '/', '\\');
   if (text.starts_with("\\\\?\\")) text.erase(0, 4);
-  if (text.empty()) Throw(ErrorNumber::kBadFileName, path, "No file name");
+  if (text.empty()) ThrowAbout(ErrorNumber::kBadFileName, path, "No file name");
   if (text.starts_with("\\\\")) {
-    Throw(ErrorNumber::kPathNotFound, path, "Network paths have no folder on this computer");
+    ThrowAbout(ErrorNumber::kPathNotFound, path, "Network paths have no folder on this computer");
   }
   const bool has_drive = text.size() >= 2 && text[1] == ':' &&
                          ((text[0] >= 'a' && text[0] <= 'z') || (text[0] >= 'A' && text[0] <= 'Z'));
@@ -528,7 +410,7 @@ std::vector<std::string> HostFileSystem::Split(std::string_view path) const {
       continue;
     }
     if (!IsWindowsName(component) || !IsUtf8(component)) {
-      Throw(ErrorNumber::kBadFileName, path, "Not a name that Windows accepts");
+      ThrowAbout(ErrorNumber::kBadFileName, path, "Not a name that Windows accepts");
     }
     components.push_back(component);
   }
@@ -624,34 +506,35 @@ std::string HostFileSystem::ExactPath(std::string_view path) const {
 std::string HostFileSystem::LocateFile(std::string_view path) const {
   const Place place = Locate(path);
   if (!place.exists) {
-    Throw(place.folder_exists ? ErrorNumber::kFileNotFound : ErrorNumber::kPathNotFound, path,
-          place.folder_exists ? "File not found" : "Folder not found");
+    ThrowAbout(place.folder_exists ? ErrorNumber::kFileNotFound : ErrorNumber::kPathNotFound, path,
+               place.folder_exists ? "File not found" : "Folder not found");
   }
   return place.Path();
 }
 
 std::string HostFileSystem::LocateTarget(std::string_view path, Use use) const {
   const Place place = Locate(path);
-  if (!place.folder_exists) Throw(ErrorNumber::kPathNotFound, path, "Folder not found");
+  if (!place.folder_exists) ThrowAbout(ErrorNumber::kPathNotFound, path, "Folder not found");
   const std::string target = place.Path();
   struct stat status;
   if (place.exists && stat(target.c_str(), &status) == 0) {
-    if (S_ISDIR(status.st_mode)) Throw(ErrorNumber::kPathFileAccess, path, "Is a folder");
+    if (S_ISDIR(status.st_mode)) ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is a folder");
     // Root may write what has no write permission; Windows refuses it to everybody.
     if ((status.st_mode & kAnyWriteBit) == 0) {
-      Throw(ErrorNumber::kPathFileAccess, path, "The file is read-only");
+      ThrowAbout(ErrorNumber::kPathFileAccess, path, "The file is read-only");
     }
     // Opening a pipe would wait for a reader. A device takes what is written to it, but as root we
     // could rename a file into its place and so take it from the whole computer.
     const bool may_write =
         S_ISREG(status.st_mode) || (use == Use::kWrite && S_ISCHR(status.st_mode));
-    if (!may_write) Throw(ErrorNumber::kPathFileAccess, path, "Is no ordinary file");
+    if (!may_write) ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is no ordinary file");
   }
   return target;
 }
 
 std::string HostFileSystem::HostPath(std::string_view path) const {
-  if (!IsFolderAt(Split(path).front())) Throw(ErrorNumber::kPathNotFound, path, "No such drive");
+  if (!IsFolderAt(Split(path).front()))
+    ThrowAbout(ErrorNumber::kPathNotFound, path, "No such drive");
   return Locate(path).Path();
 }
 
@@ -689,7 +572,7 @@ std::string HostFileSystem::WindowsPath(std::string_view host_path) const {
     }
   }
   if (best_length == 0 && IsFolderAt(Below(root_, "drive_z"))) {
-    Throw(ErrorNumber::kPathNotFound, host_path, "Lies on no drive");
+    ThrowAbout(ErrorNumber::kPathNotFound, host_path, "Lies on no drive");
   }
   std::string result = {best_letter, ':'};
   result += tidy.substr(best_length);
@@ -731,8 +614,9 @@ std::unique_ptr<InputFile> HostFileSystem::OpenForReading(std::string_view path)
   if (!file.IsOpen()) ThrowErrno(errno, path);
   struct stat status;
   if (fstat(file.Get(), &status) != 0) ThrowErrno(errno, path);
-  if (S_ISDIR(status.st_mode)) Throw(ErrorNumber::kPathFileAccess, path, "Is a folder");
-  if (!S_ISREG(status.st_mode)) Throw(ErrorNumber::kPathFileAccess, path, "Is no ordinary file");
+  if (S_ISDIR(status.st_mode)) ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is a folder");
+  if (!S_ISREG(status.st_mode))
+    ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is no ordinary file");
   return std::make_unique<HostInputFile>(
       std::move(file), static_cast<std::uint64_t>(status.st_size), std::string(path));
 }
@@ -741,7 +625,7 @@ std::vector<FileEntry> HostFileSystem::List(std::string_view folder,
                                             std::string_view pattern) const {
   const Place place = Locate(folder);
   const std::string path = place.Path();
-  if (!IsFolderAt(path)) Throw(ErrorNumber::kPathNotFound, folder, "Folder not found");
+  if (!IsFolderAt(path)) ThrowAbout(ErrorNumber::kPathNotFound, folder, "Folder not found");
   OpenFolder open_folder(path);
   if (!open_folder.IsOpen()) ThrowErrno(errno, folder);
   std::vector<std::pair<std::string, FileEntry>> found;  // folded name, entry
@@ -788,30 +672,13 @@ void HostFileSystem::ReplaceWhole(std::string_view path, std::string_view bytes)
   // A link stays a link: what it points to is replaced or made.
   const std::string target = EndOfLinks(LocateTarget(path, Use::kRenameOver));
   if (target.empty()) ThrowErrno(ELOOP, path);
-  struct stat old_status;
-  const bool existed = stat(target.c_str(), &old_status) == 0;
   std::string temporary_path = Below(ParentOf(target), ".txs-XXXXXX");
   Descriptor file(mkostemp(temporary_path.data(), O_CLOEXEC));
   // Only a link can lead to a folder that is missing: the path's own one was just there.
   if (!file.IsOpen() && errno == ENOENT)
-    Throw(ErrorNumber::kPathNotFound, path, "Folder not found");
+    ThrowAbout(ErrorNumber::kPathNotFound, path, "Folder not found");
   if (!file.IsOpen()) ThrowErrno(errno, path);
-  TemporaryFile temporary(temporary_path);
-  const mode_t mask = umask(0);
-  umask(mask);
-  const mode_t mode = existed ? old_status.st_mode & 07777 : kNewFileMode & ~mask;
-  // Only root can give a file to another owner; nobody else loses one by this.
-  if (existed) static_cast<void>(fchown(file.Get(), old_status.st_uid, old_status.st_gid) == 0);
-  if (fchmod(file.Get(), mode) != 0) ThrowErrno(errno, path);
-  WriteAll(file.Get(), bytes.data(), bytes.size(), /*offset=*/0, /*at_offset=*/false,
-           std::string(path));
-  if (fsync(file.Get()) != 0) ThrowErrno(errno, path);
-  if (const int error = file.Close(); error != 0) ThrowErrno(error, path);
-  if (const int error = temporary.RenameTo(target); error != 0) ThrowErrno(error, path);
-  // Without this the new name may be gone after a power failure. It is in place already, so that a
-  // file system that cannot do it is no reason to report a failure.
-  const Descriptor folder(OpenRetrying(ParentOf(target), O_RDONLY | O_DIRECTORY));
-  if (folder.IsOpen()) static_cast<void>(fsync(folder.Get()));
+  ReplaceByTemporary(std::move(file), temporary_path, target, bytes, path);
   indexes_->Added(target);
 }
 
@@ -822,12 +689,12 @@ void HostFileSystem::CopyWhole(std::string_view source, std::string_view target)
   struct stat status;
   if (fstat(input.Get(), &status) != 0) ThrowErrno(errno, source);
   if (!S_ISREG(status.st_mode)) {
-    Throw(ErrorNumber::kPathFileAccess, source, "Is no ordinary file");
+    ThrowAbout(ErrorNumber::kPathFileAccess, source, "Is no ordinary file");
   }
   const std::string to = LocateTarget(target, Use::kWrite);
   struct stat target_status;
   if (stat(to.c_str(), &target_status) == 0 && IsSame(target_status, status)) {
-    Throw(ErrorNumber::kPathFileAccess, target, "Cannot copy a file onto itself");
+    ThrowAbout(ErrorNumber::kPathFileAccess, target, "Cannot copy a file onto itself");
   }
   Descriptor output(OpenRetrying(to, O_WRONLY | O_CREAT | O_TRUNC));
   if (!output.IsOpen()) ThrowErrno(errno, target);
@@ -843,7 +710,7 @@ void HostFileSystem::CopyWhole(std::string_view source, std::string_view target)
       if (copied == 0 && has_copied) break;
       if (copied > 0) has_copied = true;
       if (copied > 0 || (copied < 0 && errno == EINTR)) continue;
-      if (copied < 0 && NumberOf(errno) == ErrorNumber::kDiskFull) ThrowErrno(errno, target);
+      if (copied < 0 && NumberOfErrno(errno) == ErrorNumber::kDiskFull) ThrowErrno(errno, target);
       if (copied < 0 && errno == EIO) ThrowErrno(errno, target);
       // Files of /proc and the like tell nothing at first and have contents nevertheless; an empty
       // file costs one read more.
@@ -856,8 +723,7 @@ void HostFileSystem::CopyWhole(std::string_view source, std::string_view target)
       if (errno == EINTR) continue;
       ThrowErrno(errno, source);
     }
-    WriteAll(output.Get(), block.data(), static_cast<std::size_t>(count), /*offset=*/0,
-             /*at_offset=*/false, std::string(target));
+    WriteAll(output.Get(), std::string_view(block.data(), static_cast<std::size_t>(count)), target);
   }
   const std::array<timespec, 2> times = {status.st_atim, status.st_mtim};
   if (futimens(output.Get(), times.data()) != 0) ThrowErrno(errno, target);
@@ -870,7 +736,7 @@ void HostFileSystem::MoveWhole(std::string_view source, std::string_view target)
   if (lstat(from.c_str(), &from_status) != 0) ThrowErrno(errno, source);
   const bool is_link = S_ISLNK(from_status.st_mode);
   if (S_ISDIR(from_status.st_mode) || (is_link && IsFolderAt(from))) {
-    Throw(ErrorNumber::kPathFileAccess, source, "Is a folder");
+    ThrowAbout(ErrorNumber::kPathFileAccess, source, "Is a folder");
   }
   const std::string to = LocateTarget(target, Use::kRenameOver);
   if (from == to) return;
@@ -895,9 +761,9 @@ void HostFileSystem::RemoveFile(std::string_view path) {
   const std::string target = LocateFile(path);
   struct stat status;
   if (lstat(target.c_str(), &status) != 0) ThrowErrno(errno, path);
-  if (S_ISDIR(status.st_mode)) Throw(ErrorNumber::kPathFileAccess, path, "Is a folder");
+  if (S_ISDIR(status.st_mode)) ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is a folder");
   if (!S_ISLNK(status.st_mode) && (status.st_mode & kAnyWriteBit) == 0) {
-    Throw(ErrorNumber::kPathFileAccess, path, "The file is read-only");
+    ThrowAbout(ErrorNumber::kPathFileAccess, path, "The file is read-only");
   }
   if (unlink(target.c_str()) != 0) ThrowErrno(errno, path);
   indexes_->Removed(target);
@@ -906,7 +772,7 @@ void HostFileSystem::RemoveFile(std::string_view path) {
 void HostFileSystem::RemoveTree(std::string_view folder) {
   const Place place = Locate(folder);
   if (!place.exists) return;
-  if (place.name.empty()) Throw(ErrorNumber::kPathFileAccess, folder, "Is a whole drive");
+  if (place.name.empty()) ThrowAbout(ErrorNumber::kPathFileAccess, folder, "Is a whole drive");
   const std::string path = place.Path();
   struct stat status;
   if (lstat(path.c_str(), &status) != 0) {
@@ -919,7 +785,7 @@ void HostFileSystem::RemoveTree(std::string_view folder) {
   } else if (S_ISDIR(status.st_mode)) {
     error = RemoveFolderAndContents(path);
   } else {
-    Throw(ErrorNumber::kPathFileAccess, folder, "Not a folder");
+    ThrowAbout(ErrorNumber::kPathFileAccess, folder, "Not a folder");
   }
   indexes_->RemovedTree(path);
   if (error != 0) ThrowErrno(error, folder);
@@ -928,7 +794,7 @@ void HostFileSystem::RemoveTree(std::string_view folder) {
 void HostFileSystem::MakeFolder(std::string_view folder) {
   const std::vector<std::string> components = Split(folder);
   std::string path = components.front();
-  if (!IsFolderAt(path)) Throw(ErrorNumber::kPathNotFound, folder, "No such drive");
+  if (!IsFolderAt(path)) ThrowAbout(ErrorNumber::kPathNotFound, folder, "No such drive");
   for (std::size_t i = 1; i < components.size(); ++i) {
     const std::string exact = Below(path, components[i]);
     if (IsFolderAt(exact)) {
@@ -942,7 +808,7 @@ void HostFileSystem::MakeFolder(std::string_view folder) {
     }
     const int error = errno;
     if (error != EEXIST) ThrowErrno(error, folder);
-    if (!IsFolderAt(path)) Throw(ErrorNumber::kPathFileAccess, folder, "Is a file");
+    if (!IsFolderAt(path)) ThrowAbout(ErrorNumber::kPathFileAccess, folder, "Is a file");
   }
 }
 

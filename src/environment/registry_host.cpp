@@ -20,6 +20,7 @@
 #include <utility>
 
 #include "environment/code_page.h"
+#include "environment/host_calls_host.h"
 #include "environment/registry_file.h"
 #include "environment/runtime_error.h"
 
@@ -28,59 +29,14 @@ namespace {
 
 constexpr auto kLockPatience = std::chrono::seconds(10);
 constexpr auto kLockPause = std::chrono::milliseconds(5);
-constexpr mode_t kNewFileMode = 0666;
 constexpr mode_t kAnyWriteBit = 0222;
 constexpr std::string_view kWow = "Wow6432Node";
 
-ErrorNumber NumberOfWriteError(int error) {
-  switch (error) {
-    case ENOENT:
-    case ENOTDIR:
-      return ErrorNumber::kPathNotFound;
-    case EACCES:
-    case EPERM:
-    case EROFS:
-      return ErrorNumber::kPermissionDenied;
-    case ENOSPC:
-    case EDQUOT:
-    case EFBIG:
-      return ErrorNumber::kDiskFull;
-    case EIO:
-      return ErrorNumber::kDeviceIo;
-    case EMFILE:
-    case ENFILE:
-      return ErrorNumber::kTooManyFiles;
-    default:
-      return ErrorNumber::kPathFileAccess;
-  }
-}
-
-[[noreturn]] void Throw(ErrorNumber number, const std::string& path, const std::string& words) {
-  throw RuntimeError(number, path + ": " + words);
-}
-
+// The file is there or is about to be: what is missing can only be its folder.
 [[noreturn]] void ThrowWriteError(int error, const std::string& path) {
-  Throw(NumberOfWriteError(error), path, std::strerror(error));
+  if (error == ENOENT) ThrowAbout(ErrorNumber::kPathNotFound, path, "Folder not found");
+  ThrowErrno(error, path);
 }
-
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd_(fd) {}
-  ~Descriptor() {
-    if (fd_ >= 0) close(fd_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  [[nodiscard]] int Get() const { return fd_; }
-  [[nodiscard]] bool IsOpen() const { return fd_ >= 0; }
-
-  // 0 or the error; the descriptor is gone in both cases.
-  [[nodiscard]] int Close() { return close(std::exchange(fd_, -1)) == 0 ? 0 : errno; }
-
- private:
-  int fd_;
-};
 
 // What tells that the file is another one than was read.
 struct Stamp {
@@ -98,34 +54,18 @@ Stamp StampOf(const struct stat& status) {
           std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec};
 }
 
-std::int64_t NowNs() {
-  timespec now = {};
-  clock_gettime(CLOCK_REALTIME, &now);
-  return std::int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
-}
-
-// File times move in steps. A file that was written within the same step as it was read may have
-// been written once more without its stamp telling, so it is read again a little later.
-bool IsTooFreshToTrust(const Stamp& stamp, std::int64_t read_at_ns) {
-  constexpr std::int64_t kTickNs = 20'000'000;
-  constexpr std::int64_t kCoarseTickNs = 2'000'000'000;  // file systems that keep whole seconds
-  const std::int64_t step = stamp.time_ns % 1'000'000'000 == 0 ? kCoarseTickNs : kTickNs;
-  const std::int64_t age = read_at_ns - stamp.time_ns;
-  return stamp.exists && age > -kTickNs && age < step;
-}
-
 // Held while a process changes the file. The lock lies on a file of its own because the registry
 // file itself is replaced by renaming, and a lock on a replaced file guards nothing.
 class Lock {
  public:
-  explicit Lock(const std::string& path)
-      : file_(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kNewFileMode)) {
+  explicit Lock(const std::string& path) : file_(OpenRetrying(path, O_RDWR | O_CREAT)) {
     if (!file_.IsOpen()) ThrowWriteError(errno, path);
     const auto deadline = std::chrono::steady_clock::now() + kLockPatience;
     while (flock(file_.Get(), LOCK_EX | LOCK_NB) != 0) {
       if (errno != EWOULDBLOCK && errno != EINTR) ThrowWriteError(errno, path);
       if (std::chrono::steady_clock::now() >= deadline) {
-        Throw(ErrorNumber::kPermissionDenied, path, "Another process is changing the registry");
+        ThrowAbout(ErrorNumber::kPermissionDenied, path,
+                   "Another process is changing the registry");
       }
       std::this_thread::sleep_for(kLockPause);
     }
@@ -141,65 +81,23 @@ std::string Resolve(const std::string& path) {
   return realpath(path.c_str(), resolved.data()) == nullptr ? path : std::string(resolved.data());
 }
 
-void SyncFolderOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-  const Descriptor opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  // The new file is complete under its name already; some file systems cannot sync a folder.
-  if (opened.IsOpen()) static_cast<void>(fsync(opened.Get()));
-}
-
-class TemporaryFile {
- public:
-  explicit TemporaryFile(std::string path) : path_(std::move(path)) {}
-  ~TemporaryFile() {
-    if (!is_kept_) unlink(path_.c_str());
-  }
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-  void Keep() { is_kept_ = true; }
-
- private:
-  std::string path_;
-  bool is_kept_ = false;
-};
-
 // Only under the lock. A failure leaves the old file and nothing else.
 void Replace(const std::string& path, std::string_view bytes) {
   struct stat old = {};
   const bool existed = stat(path.c_str(), &old) == 0;
   if (existed) {
     if ((old.st_mode & kAnyWriteBit) == 0) {
-      Throw(ErrorNumber::kPathFileAccess, path, "The file is read-only");
+      ThrowAbout(ErrorNumber::kPathFileAccess, path, "The file is read-only");
     }
     if (access(path.c_str(), W_OK) != 0) ThrowWriteError(errno, path);
   }
 
+  // A fixed name: what a process that was killed left behind goes with the next change.
   const std::string new_path = path + ".new";
-  unlink(new_path.c_str());  // what a process that was killed left behind
-  Descriptor file(
-      open(new_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kNewFileMode));
+  unlink(new_path.c_str());
+  Descriptor file(OpenRetrying(new_path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW));
   if (!file.IsOpen()) ThrowWriteError(errno, path);
-  TemporaryFile temporary(new_path);
-  if (existed) {
-    // The owner can be given only by root; the mode matters more and must come after it.
-    static_cast<void>(fchown(file.Get(), old.st_uid, old.st_gid) == 0);
-    if (fchmod(file.Get(), old.st_mode & 07777) != 0) ThrowWriteError(errno, path);
-  }
-  while (!bytes.empty()) {
-    const ssize_t written = write(file.Get(), bytes.data(), bytes.size());
-    if (written < 0) {
-      if (errno == EINTR) continue;
-      ThrowWriteError(errno, path);
-    }
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  if (fsync(file.Get()) != 0) ThrowWriteError(errno, path);
-  if (const int error = file.Close(); error != 0) ThrowWriteError(error, path);
-  if (rename(new_path.c_str(), path.c_str()) != 0) ThrowWriteError(errno, path);
-  temporary.Keep();
-  SyncFolderOf(path);
+  ReplaceByTemporary(std::move(file), new_path, path, bytes, path);
 }
 
 std::string Join(std::string_view left, std::string_view right) {
@@ -277,7 +175,9 @@ struct HostRegistry::State {
     struct stat status = {};
     Stamp now;
     if (stat(path.c_str(), &status) == 0) now = StampOf(status);
-    if (!is_loaded || now != stamp || IsTooFreshToTrust(stamp, read_at_ns)) return Reload();
+    if (!is_loaded || now != stamp ||
+        (stamp.exists && IsTooFreshToTrust(stamp.time_ns, read_at_ns)))
+      return Reload();
     if (failure) throw RuntimeError(*failure);
     return file;
   }
@@ -322,7 +222,7 @@ struct HostRegistry::State {
       }
       bytes = file.Bytes();
     } catch (const RuntimeError& error) {
-      Throw(error.Number(), path, error.Description());
+      ThrowAbout(error.Number(), path, error.Description());
     }
     Replace(target, bytes);
     struct stat status = {};
@@ -336,7 +236,7 @@ struct HostRegistry::State {
     const auto require = [](bool succeeded) {
       if (!succeeded) throw RuntimeError(ErrorNumber::kPathFileAccess, std::strerror(errno));
     };
-    const Descriptor opened(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const Descriptor opened(OpenRetrying(path, O_RDONLY | O_NONBLOCK));
     if (!opened.IsOpen() && errno == ENOENT) return {};
     require(opened.IsOpen());
     struct stat status = {};
@@ -410,7 +310,7 @@ void HostRegistry::Write(Hive hive, std::string_view key, std::string_view name,
 
 void HostRegistry::RemoveKey(Hive hive, std::string_view key) {
   // Without the key there is nothing to write, so the file may be read-only or missing.
-  if (key.empty()) Throw(ErrorNumber::kInvalidCall, path_, "A whole hive cannot be removed");
+  if (key.empty()) ThrowAbout(ErrorNumber::kInvalidCall, path_, "A whole hive cannot be removed");
   const std::vector<std::string> places = PlacesOf(hive, key);
   const RegistryFile& file = state_->Load();
   bool exists = false;
