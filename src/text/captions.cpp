@@ -1,8 +1,8 @@
 #include "text/captions.h"
 
-#include <exception>
-#include <limits>
+#include <cstdint>
 #include <optional>
+#include <utility>
 
 #include "environment/code_page.h"
 #include "environment/system_tools.h"
@@ -12,8 +12,9 @@ namespace {
 
 std::string CaptionOf(const std::string& tag, const TextService& texts) {
   const std::optional<std::int64_t> id = ParseWholeNumber(tag);
-  if (!id || *id < 0 || *id > std::numeric_limits<int>::max()) return {};
-  return texts.GetText(static_cast<long>(*id));
+  // Ids have 32 bits on every platform, however wide `long` is there.
+  if (!id || !std::in_range<std::int32_t>(*id)) return {};
+  return texts.GetText(static_cast<std::int32_t>(*id));
 }
 
 // One statement of the original kind: when it fails, the next one runs.
@@ -21,8 +22,8 @@ template <typename Statement>
 void SkipFailure(const Statement& statement) {
   try {
     statement();
-  } catch (const std::exception&) {
-    // The control keeps the caption of its design.
+  } catch (...) {
+    // The control keeps the caption of its design. A toolkit may throw anything.
   }
 }
 

@@ -1,6 +1,7 @@
 #include "text/m_text.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "text/string_table.h"
 
@@ -9,6 +10,12 @@ namespace {
 
 constexpr long kEnglish = 1033;
 constexpr long kSpanish = 1034;
+
+// The stored text under `id` + `offset`; empty without one, so also where the sum is beyond any id.
+std::string_view StoredTextAt(long id, long offset) {
+  if (id > std::numeric_limits<long>::max() - offset) return {};
+  return StoredText(id + offset).value_or("");
+}
 
 std::string_view Escaped(char letter) {
   switch (letter) {
@@ -46,8 +53,8 @@ long LanguageOffset(long language_id) {
 }
 
 std::string GetText(long language_id, long id, std::span<const std::string> parameters) {
-  std::string_view text = StoredText(id + LanguageOffset(language_id)).value_or("");
-  if (text.empty()) text = StoredText(id).value_or("");
+  std::string_view text = StoredTextAt(id, LanguageOffset(language_id));
+  if (text.empty()) text = StoredTextAt(id, /*offset=*/0);
   if (text.empty()) return ExpandTemplate(std::to_string(id) + "\\@", parameters);
   return ExpandTemplate(text, parameters);
 }

@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
+
+#include "text/string_table.h"
 
 namespace txs {
 namespace {
@@ -41,6 +44,14 @@ TEST(MText, EveryOtherLanguageIsGerman) {
   EXPECT_EQ(GetText(-1, 11), "Abbrechen");
 }
 
+TEST(MText, WithLanguage1036EveryTextIsGerman) {
+  for (const StringTableRow& row : StringTableRows()) {
+    EXPECT_EQ(GetText(1036, row.id), GetText(1031, row.id)) << row.id;
+    if (row.english == nullptr || std::string_view(row.english) == row.german) continue;
+    EXPECT_NE(GetText(1036, row.id), GetText(1033, row.id)) << row.id;
+  }
+}
+
 TEST(MText, Message91IsGermanInEnglishToo) {
   EXPECT_EQ(GetText(1033, 91), GetText(1031, 91));
   EXPECT_TRUE(GetText(1033, 91).starts_with("Das Tavix-Verzeichnis ist nicht registriert!\r\n"));
@@ -49,6 +60,16 @@ TEST(MText, Message91IsGermanInEnglishToo) {
 TEST(MText, AnIdThatDoesNotExistShowsItsNumberAndAnAtSign) {
   EXPECT_EQ(GetText(1031, 5000), "5000@");
   EXPECT_EQ(GetText(1033, 5000), "5000@");
+}
+
+TEST(MText, AnIdAtTheEndOfTheRangeShowsItsNumberInEveryLanguage) {
+  constexpr long kLast = std::numeric_limits<long>::max();
+  constexpr long kFirst = std::numeric_limits<long>::min();
+
+  for (const long language_id : {1031L, 1033L, 1034L}) {
+    EXPECT_EQ(GetText(language_id, kLast), std::to_string(kLast) + "@");
+    EXPECT_EQ(GetText(language_id, kFirst), std::to_string(kFirst) + "@");
+  }
 }
 
 TEST(MText, TwoStoredBackslashesGiveOne) { EXPECT_EQ(ExpandTemplate("a\\\\b", kNone), "a\\b"); }
@@ -98,6 +119,18 @@ TEST(MText, TheNumberOfAPlaceholderIsWhatItsTextBeginsWith) {
   EXPECT_EQ(ExpandTemplate("@99999999999999999999999@", std::vector<std::string>{"X"}), "");
 }
 
+// 2^32 + 1 and 2^64 + 1 would be parameter 1 if the number wrapped around.
+TEST(MText, ANumberTooLongForAnyTypeIsBeyondTheList) {
+  EXPECT_EQ(ExpandTemplate("[@4294967297@]", std::vector<std::string>{"X"}), "[]");
+  EXPECT_EQ(ExpandTemplate("[@18446744073709551617@]", std::vector<std::string>{"X"}), "[]");
+}
+
+TEST(MText, TheValueOfOneCallIsNotRememberedForTheNext) {
+  EXPECT_EQ(ExpandTemplate("@1@", std::vector<std::string>{"X"}), "X");
+
+  EXPECT_EQ(ExpandTemplate("[@1@]", kNone), "[]");
+}
+
 TEST(MText, TheDoubledBackslashOfTheCommandLineHelpShowsAsOne) {
   EXPECT_EQ(GetText(1033, 913),
             "The following commands may be used at the command line:\r\n"
@@ -118,6 +151,22 @@ TEST(MText, RandomTemplatesAreExpandedWithoutHarm) {
     if (text.find_first_of("@\\") == std::string::npos) {
       EXPECT_EQ(expanded, text);
     }
+  }
+}
+
+TEST(MText, RandomTextsWithTheirSpecialsEscapedComeOutAsTheyWere) {
+  std::mt19937 random(11);
+  const std::string alphabet = "@\\12nNtTxq \r\n\xC3\xBC";
+  for (int round = 0; round < 20000; ++round) {
+    std::string plain;
+    std::string escaped;
+    for (std::size_t length = random() % 30; length > 0; --length) {
+      const char c = alphabet[random() % alphabet.size()];
+      plain += c;
+      if (c == '@' || c == '\\') escaped += '\\';
+      escaped += c;
+    }
+    EXPECT_EQ(ExpandTemplate(escaped, std::vector<std::string>{"<one>"}), plain);
   }
 }
 

@@ -28,8 +28,8 @@ const std::vector<long> kAllIds =
          {400, 409},   {422, 422},   {424, 428},   {500, 506},   {600, 600},   {610, 612},
          {700, 705},   {724, 725},   {730, 731},   {800, 803},   {810, 811},   {900, 917},
          {1000, 1001}, {1010, 1013}, {1020, 1022}, {1030, 1032}, {1100, 1108}, {1200, 1207},
-         {1300, 1306}, {1400, 1406}, {1410, 1416}, {1500, 1514}, {1600, 1605}, {1701, 1715},
-         {1900, 1900}});
+         {1210, 1211}, {1300, 1306}, {1400, 1406}, {1410, 1416}, {1500, 1514}, {1600, 1605},
+         {1701, 1715}, {1900, 1900}});
 
 std::multiset<std::string> Placeholders(std::string_view text) {
   std::multiset<std::string> found;
@@ -71,6 +71,58 @@ TEST(StringTable, BothLanguagesHaveTheSamePlaceholders) {
   for (const StringTableRow& row : StringTableRows()) {
     if (row.english == nullptr) continue;
     EXPECT_EQ(Placeholders(row.german), Placeholders(row.english)) << row.id;
+  }
+}
+
+// The texts of a row, German first.
+std::vector<std::string_view> TextsOf(const StringTableRow& row) {
+  if (row.english == nullptr) return {row.german};
+  return {row.german, row.english};
+}
+
+TEST(StringTable, EveryAtSignBelongsToAPlaceholder) {
+  for (const StringTableRow& row : StringTableRows()) {
+    for (const std::string_view text : TextsOf(row)) {
+      EXPECT_EQ(std::ranges::count(text, '@'), 2 * std::ssize(Placeholders(text))) << row.id;
+    }
+  }
+}
+
+TEST(StringTable, PlaceholdersAreNumberedFromOneWithoutGaps) {
+  for (const StringTableRow& row : StringTableRows()) {
+    const std::multiset<std::string> found = Placeholders(row.german);
+    const std::set<std::string> different(found.begin(), found.end());
+    std::size_t number = 0;
+    for (const std::string& placeholder : different) {
+      EXPECT_EQ(placeholder, "@" + std::to_string(++number) + "@") << row.id;
+    }
+  }
+}
+
+TEST(StringTable, HoldsNoControlCharactersButWholeLineEnds) {
+  for (const StringTableRow& row : StringTableRows()) {
+    for (const std::string_view text : TextsOf(row)) {
+      for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (byte >= 0x20 && byte != 0x7F) continue;
+        const bool is_line_end = (text[i] == '\r' && text.substr(i, 2) == "\r\n") ||
+                                 (text[i] == '\n' && i > 0 && text[i - 1] == '\r');
+        EXPECT_TRUE(is_line_end) << row.id << " has character " << int{byte} << " at " << i;
+      }
+    }
+  }
+}
+
+// The German 1712 has a single backslash on purpose.
+TEST(StringTable, EveryBackslashButOneIsStoredTwice) {
+  for (const StringTableRow& row : StringTableRows()) {
+    for (const std::string_view text : TextsOf(row)) {
+      if (text == StoredText(1712)) continue;
+      for (std::size_t i = text.find('\\'); i != std::string_view::npos;
+           i = text.find('\\', i + 2)) {
+        EXPECT_EQ(text.substr(i, 2), "\\\\") << row.id;
+      }
+    }
   }
 }
 
@@ -159,10 +211,29 @@ TEST(StringTable, AccessKeysAreUniqueWithinEveryFormInBothLanguages) {
   }
 }
 
+TEST(StringTable, EveryTextWithAnAccessKeyBelongsToAForm) {
+  std::set<long> placed;
+  for (const Form& form : kForms) placed.insert(form.ids.begin(), form.ids.end());
+
+  for (const StringTableRow& row : StringTableRows()) {
+    for (const std::string_view text : TextsOf(row)) {
+      if (AccessKey(text) == 0) continue;
+      EXPECT_TRUE(placed.contains(row.id)) << row.id;
+    }
+  }
+}
+
+TEST(StringTable, BothLanguagesHaveAccessKeysAtTheSameControls) {
+  for (const StringTableRow& row : StringTableRows()) {
+    if (row.english == nullptr) continue;
+    EXPECT_EQ(AccessKey(row.german) != 0, AccessKey(row.english) != 0) << row.id;
+  }
+}
+
 TEST(StringTable, AnAccessKeyIsAlwaysALetter) {
   for (const StringTableRow& row : StringTableRows()) {
-    for (const char* text : {row.german, row.english}) {
-      if (text == nullptr || std::string_view(text).find('&') == std::string_view::npos) continue;
+    for (const std::string_view text : TextsOf(row)) {
+      if (text.find('&') == std::string_view::npos) continue;
       EXPECT_NE(std::isalpha(static_cast<unsigned char>(AccessKey(text))), 0) << row.id;
     }
   }

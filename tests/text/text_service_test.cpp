@@ -23,6 +23,22 @@ TEST(TextService, AMessageOfTheStartChecksHasTitle90AndTheCriticalIcon) {
   EXPECT_EQ(message.buttons, kIconCritical);
 }
 
+TEST(TextService, AMessageHasTheButtonsThatItsCallerChose) {
+  const Message message = TextService(1031).Compose(1703, {}, kButtonsYesNoCancel | kIconQuestion);
+
+  EXPECT_EQ(message.buttons, kButtonsYesNoCancel | kIconQuestion);
+}
+
+TEST(TextService, ACaughtErrorHasTheExclamationIconAndTheTitleOfItsMessage) {
+  const RuntimeError error(ErrorNumber::kDiskFull, "full");
+
+  const Message message = TextService(1031).ComposeError(904, {}, error);
+
+  EXPECT_EQ(message.id, 904);
+  EXPECT_EQ(message.buttons, 48);
+  EXPECT_EQ(message.title, "TavixStudio - Setup-Assistent   (Meldung 904)");
+}
+
 TEST(TextService, ACaughtErrorStandsInALineOfItsOwnUnderTheMessage) {
   const RuntimeError error(ErrorNumber::kDiskFull, "C:\\x: No space left");
 
