@@ -3,8 +3,9 @@
 #include <cstdint>
 #include <optional>
 
-#include "create/stage_border.h"
+#include "create/stage_view.h"
 #include "document/path_variables.h"
+#include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/windows_path.h"
 #include "text/message_service.h"
@@ -45,7 +46,7 @@ std::string CompressedNames::Next(std::string_view source_path) {
 
 bool CompressFiles(Application& application, CreateView& view, const CreateState& state) {
   std::string source;
-  return AtStageBorder(application, kMessageCompressing, source, [&] {
+  return AtWorkBorder(application, kMessageCompressing, source, [&] {
     view.ShowAction(application.texts.GetText(kTextCompressing));
     const std::vector<FileRow*> rows = application.document.AllRows();
     const std::uint64_t total_bytes = TotalLength(rows);

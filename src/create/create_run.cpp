@@ -7,11 +7,12 @@
 #include "create/compression.h"
 #include "create/setup_control_file.h"
 #include "create/setup_kit.h"
-#include "create/stage_border.h"
+#include "create/stage_view.h"
 #include "document/document_check.h"
 #include "document/medium.h"
 #include "document/path_variables.h"
 #include "document/settings_file.h"
+#include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/windows_path.h"
 
@@ -61,7 +62,7 @@ void ApplyMinimalMdac(Application& application) {
 // user directories resolve from here on.
 bool Prepare(Application& application) {
   const std::string no_subject;
-  const bool prepared = AtStageBorder(application, kMessageOutputDirectory, no_subject, [&] {
+  const bool prepared = AtWorkBorder(application, kMessageOutputDirectory, no_subject, [&] {
     ExtendPathVariables(application);
     ApplyMinimalMdac(application);
     return true;
@@ -71,7 +72,7 @@ bool Prepare(Application& application) {
 
 bool MakeTemporaryDirectory(Application& application, CreateState& state) {
   const std::string no_subject;
-  return AtStageBorder(application, kMessageTemporaryDirectory, no_subject, [&] {
+  return AtWorkBorder(application, kMessageTemporaryDirectory, no_subject, [&] {
     // Without a project directory this would be \~TEMP of whatever drive is current.
     if (application.project.directory.empty()) {
       throw RuntimeError(ErrorNumber::kPathNotFound, "The project has no directory");
@@ -159,7 +160,7 @@ void RemoveOldDisks(Application& application, const std::string& output_director
 
 bool MakeOutputDirectory(Application& application, CreateState& state) {
   const std::string no_subject;
-  return AtStageBorder(application, kMessageOutputDirectory, no_subject, [&] {
+  return AtWorkBorder(application, kMessageOutputDirectory, no_subject, [&] {
     state.output_directory = ResolveOutputDirectory(application);
     // Both would be emptied or removed together.
     if (FoldedFolder(state.output_directory).starts_with(FoldedFolder(state.temporary_directory))) {

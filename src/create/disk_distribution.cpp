@@ -5,8 +5,9 @@
 #include <span>
 #include <unordered_set>
 
-#include "create/stage_border.h"
+#include "create/stage_view.h"
 #include "document/trailing_number.h"
+#include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/windows_path.h"
 
@@ -209,7 +210,7 @@ DistributionPlan PlanDistribution(const std::vector<std::uint64_t>& archive_byte
 bool MeasureArchives(Application& application, CreateView& view, const CreateState& state,
                      std::vector<std::uint64_t>& sizes) {
   std::string archive;
-  return AtStageBorder(application, kMessageDistributing, archive, [&] {
+  return AtWorkBorder(application, kMessageDistributing, archive, [&] {
     const std::vector<FileRow*> rows = application.document.AllRows();
     sizes.reserve(rows.size());
     for (const FileRow* row : rows) {
@@ -230,7 +231,7 @@ bool DistributeOnDisks(Application& application, CreateView& view, CreateState& 
   if (!MeasureArchives(application, view, state, sizes)) return false;
 
   std::string archive = "DISK1";  // what a message names until the first archive has its turn
-  return AtStageBorder(application, kMessageDistributing, archive, [&] {
+  return AtWorkBorder(application, kMessageDistributing, archive, [&] {
     const std::vector<FileRow*> rows = application.document.AllRows();
     const DistributionPlan plan = PlanDistribution(sizes, state.medium_bytes, state.reserved_bytes);
     std::uint64_t total_bytes = 0;

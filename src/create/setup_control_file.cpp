@@ -8,8 +8,9 @@
 #include <span>
 #include <vector>
 
-#include "create/stage_border.h"
+#include "create/stage_view.h"
 #include "document/path_variables.h"
+#include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/project_type.h"
 #include "environment/windows_path.h"
@@ -225,7 +226,7 @@ class ScriptWriter {
 std::string SetupControlText(Application& application) { return ScriptWriter(application).Write(); }
 
 bool WriteSetupControlFile(Application& application, CreateView& view, const CreateState& state) {
-  return AtStageBorder(application, kMessageControlFile, kScriptName, [&] {
+  return AtWorkBorder(application, kMessageControlFile, kScriptName, [&] {
     view.ShowFile(kScriptName);
     view.ShowAction(application.texts.GetText(kTextWriting));
     if (CancelledMeanwhile(view)) return false;

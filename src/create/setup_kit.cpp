@@ -5,7 +5,8 @@
 #include <span>
 
 #include "create/disk_distribution.h"
-#include "create/stage_border.h"
+#include "create/stage_view.h"
+#include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/windows_path.h"
 
@@ -25,7 +26,7 @@ constexpr long kMessageWriting = 911;
 constexpr long kMessageKitTooLarge = 912;
 
 bool ReadList(Application& application, std::vector<std::string>& names) {
-  return AtStageBorder(application, kMessageReadingList, kListName, [&] {
+  return AtWorkBorder(application, kMessageReadingList, kListName, [&] {
     names = ReadSetupKitList(application);
     return true;
   });
@@ -44,7 +45,7 @@ std::uint64_t KitFileLength(const Application& application, const std::string& n
 bool CopyFiles(Application& application, CreateView& view, const std::vector<std::string>& names,
                CreateState& state) {
   std::string subject;
-  return AtStageBorder(application, kMessageCopying, subject, [&] {
+  return AtWorkBorder(application, kMessageCopying, subject, [&] {
     FileSystem& files = application.platform.files;
     const std::string kit_directory = application.installation.SetupKitDirectory();
     // Measured first, so that the bar knows where it ends.
@@ -76,7 +77,7 @@ bool CopyFiles(Application& application, CreateView& view, const std::vector<std
 
 bool WritePlaceholder(Application& application, CreateView& view, CreateState& state) {
   const std::string shown_name = "setup.stp";
-  return AtStageBorder(application, kMessageWriting, shown_name, [&] {
+  return AtWorkBorder(application, kMessageWriting, shown_name, [&] {
     view.ShowAction(application.texts.GetText(kTextWriting));
     view.ShowFile(shown_name);
     const std::string blanks(kScriptPlaceholderBytes, ' ');
@@ -135,7 +136,7 @@ std::optional<SetupKitRoom> MeasureSetupKit(Application& application, std::uint6
   if (!ReadList(application, names)) return std::nullopt;
   SetupKitRoom room;
   std::string subject;
-  const bool measured = AtStageBorder(application, kMessageCopying, subject, [&] {
+  const bool measured = AtWorkBorder(application, kMessageCopying, subject, [&] {
     for (const std::string& name : names) {
       subject = name;
       room.bytes += RoundUpTo1024(KitFileLength(application, name));

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
 #include "scan/full_path.h"
-#include "scan/scan_border.h"
 
 namespace txs {
 namespace {
@@ -42,7 +42,7 @@ bool IsNamed(std::string_view path, std::string_view name) {
 bool DependencyResolver::AddFile(std::string_view path, Force force,
                                  std::string_view dependency_file) {
   std::string subject(path);
-  return AtScanBorder(session_.App(), kMessageAddingFile, subject,
+  return AtWorkBorder(session_.App(), kMessageAddingFile, subject,
                       [&] { return Run(subject, force, dependency_file); });
 }
 
@@ -207,7 +207,7 @@ std::vector<std::string> DependencyResolver::ChainTo(std::string_view name) cons
 bool DependencyResolver::AddMdacAndJet(Force force) {
   Application& application = session_.App();
   const std::string subject = kMdacInstaller;
-  return AtScanBorder(application, kMessageAddingFile, subject, [&] {
+  return AtWorkBorder(application, kMessageAddingFile, subject, [&] {
     if (mdac_done_) return true;
     const std::vector<std::string>& lines = application.document.extra_todo_lines;
     if (force == Force::kNo &&
@@ -270,7 +270,7 @@ void DependencyResolver::AddInstaller(std::string_view file_name, std::string_vi
 bool DependencyResolver::AddScriptLinesOfKeptRows() {
   Application& application = session_.App();
   std::string subject;
-  return AtScanBorder(application, kMessageAddingFile, subject, [&] {
+  return AtWorkBorder(application, kMessageAddingFile, subject, [&] {
     const auto add_lines_of = [&](const DependencyFile* file) {
       if (file == nullptr) return false;
       const std::optional<DependencyEntries> entries = file->Find(FileName(subject));

@@ -3,11 +3,11 @@
 #include <exception>
 #include <string>
 
+#include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
 #include "scan/dependency_resolution.h"
-#include "scan/scan_border.h"
 #include "scan/scan_session.h"
 #include "scan/studio_project_scan.h"
 #include "scan/vb_project_reader.h"
@@ -38,7 +38,7 @@ class BusyPointer {
 bool ScanDesignerProject(ScanSession& session, DependencyResolver& resolver) {
   Application& application = session.App();
   const std::string studio_project = application.project.StudioProjectFile();
-  return AtScanBorder(application, kMessageScanning, studio_project, [&] {
+  return AtWorkBorder(application, kMessageScanning, studio_project, [&] {
     SystemTools& tools = application.platform.tools;
     const std::string designer =
         tools.ReadText("Global", "Designer", /*default_value=*/{}, studio_project);
@@ -74,7 +74,7 @@ ScanResult RunScan(Application& application, ScanView& view, SearchFileDialog& d
   {
     const BusyPointer busy(view);
     result.succeeded =
-        AtScanBorder(application, kMessageScanning, application.project.StudioProjectFile(), [&] {
+        AtWorkBorder(application, kMessageScanning, application.project.StudioProjectFile(), [&] {
           ScanSession session(application, view, dialog);
           const bool succeeded = RunStages(session);
           result.missing = session.TakeMissing();
@@ -92,7 +92,7 @@ ScanResult RunScan(Application& application, ScanView& view, SearchFileDialog& d
 bool AddFileByHand(Application& application, ScanView& view, SearchFileDialog& dialog,
                    std::string_view path) {
   constexpr long kMessageAddingFile = 907;
-  return AtScanBorder(application, kMessageAddingFile, std::string(path), [&] {
+  return AtWorkBorder(application, kMessageAddingFile, std::string(path), [&] {
     ScanSession session(application, view, dialog);
     DependencyResolver resolver(session);
     return resolver.AddFile(path, Force::kYes, /*dependency_file=*/{});

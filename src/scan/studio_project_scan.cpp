@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
+#include "document/work_border.h"
 #include "environment/project_type.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
 #include "scan/full_path.h"
-#include "scan/scan_border.h"
 #include "scan/scan_captions.h"
 #include "scan/type_libraries.h"
 
@@ -212,7 +212,7 @@ bool ScanStudioProject(ScanSession& session, DependencyResolver& resolver) {
   view.StageStarted(ScanStage::kStudioProject);
   view.StageCaption(ScanStage::kStudioProject, kCaptionStudioProject);
   session.chain_root = {project.name + ".txs"};
-  const bool succeeded = AtScanBorder(application, kMessageScanning, project.StudioProjectFile(),
+  const bool succeeded = AtWorkBorder(application, kMessageScanning, project.StudioProjectFile(),
                                       [&] { return StudioProjectScan(session, resolver).Run(); });
   if (project.type == kProjectTypeServer && !view.IsCancelPressed()) {
     session.SetProgramName(kServerProgram);

@@ -6,12 +6,12 @@
 #include <optional>
 #include <utility>
 
+#include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/project_type.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
 #include "scan/full_path.h"
-#include "scan/scan_border.h"
 #include "scan/scan_captions.h"
 #include "scan/type_libraries.h"
 
@@ -134,7 +134,7 @@ bool VisualBasicProjectReader::ReadGroup(std::string_view file_name) {
   const std::string path = FullPathFrom(application.project.directory, file_name);
   session_.chain_root = {FileName(path)};
   std::vector<std::string> projects;
-  bool succeeded = AtScanBorder(application, kMessageScanning, path, [&] {
+  bool succeeded = AtWorkBorder(application, kMessageScanning, path, [&] {
     TextLines lines(application.platform.files.ReadWhole(path));
     while (const std::optional<std::string> line = lines.Next()) {
       const std::optional<KeyAndValue> entry = SplitLine(*line);
@@ -181,7 +181,7 @@ bool VisualBasicProjectReader::ReadMember(std::string_view file_name) {
   view.StageStarted(ScanStage::kVisualBasic);
   view.StageCaption(ScanStage::kVisualBasic, kCaptionVisualBasic);
   // The lines clear the result as they go; an error on the way ends the project with false.
-  const bool read = AtScanBorder(application, kMessageScanning, project.path, [&] {
+  const bool read = AtWorkBorder(application, kMessageScanning, project.path, [&] {
     if (session_.CancelledMeanwhile()) return true;
     AddPseudoFile(project, "VB Runtime");
     if (!session_.CancelledMeanwhile()) ReadLines(project);

@@ -88,6 +88,12 @@ TEST(MText, LineFeedAndTabAreEscapesInBothCases) {
 
 TEST(MText, ABackslashAtTheEndIsDropped) { EXPECT_EQ(ExpandTemplate("a\\", kNone), "a"); }
 
+TEST(MText, ABackslashAtTheEndDoesNotReachBeyondTheTemplate) {
+  const std::string_view buffer = "a\\n";
+
+  EXPECT_EQ(ExpandTemplate(buffer.substr(0, 2), kNone), "a");
+}
+
 TEST(MText, PlaceholdersTakeTheParametersOfTheirNumbers) {
   EXPECT_EQ(ExpandTemplate("@2@-@1@-@2@", std::vector<std::string>{"a", "b"}), "b-a-b");
 }

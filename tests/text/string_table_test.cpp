@@ -161,6 +161,11 @@ TEST(StringTable, KeepsTheSystemsOwnWordings) {
   EXPECT_EQ(StoredText(10501), "The file could not be not found!");
   EXPECT_EQ(StoredText(10725), "OK: Project succesfully scanned!");
   EXPECT_EQ(StoredText(1031), "&Optionen ...");
+  EXPECT_EQ(StoredText(11012), "&Save");
+  EXPECT_EQ(StoredText(11032), "Clear &Settings");
+  EXPECT_EQ(StoredText(11107), "Ger&man");
+  EXPECT_EQ(StoredText(11108), "E&nglish");
+  EXPECT_EQ(StoredText(11304), "&ADO (currently not implemented)");
   EXPECT_EQ(StoredText(11504), "A&ll");
   // The single backslash is dropped when the text is shown; the English text has two.
   EXPECT_NE(StoredText(1712)->find("('Laufwerksbuchstabe:\\[Name]')"), std::string_view::npos);

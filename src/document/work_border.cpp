@@ -1,4 +1,4 @@
-#include "scan/scan_border.h"
+#include "document/work_border.h"
 
 #include <exception>
 #include <new>
@@ -22,7 +22,7 @@ RuntimeError ThrownError() {
 
 }  // namespace
 
-bool AtScanBorder(Application& application, long id, const std::string& subject,
+bool AtWorkBorder(Application& application, long id, const std::string& subject,
                   const std::function<bool()>& work) {
   try {
     return work();

@@ -1,4 +1,4 @@
-// The border of the stages of a Scan: where what was thrown becomes a message.
+// The border of the work routines: where what was thrown becomes a message. Nothing crosses it.
 #pragma once
 
 #include <functional>
@@ -10,8 +10,9 @@ namespace txs {
 
 // Runs `work` and gives its result. What it throws is shown as message `id` about `subject`,
 // followed by text 99, and gives false: nothing that is wrong with one file may end the process.
-// `subject` is read only then.
-[[nodiscard]] bool AtScanBorder(Application& application, long id, const std::string& subject,
+// `subject` is read only then, so that it names what the routine was busy with; messages without a
+// placeholder do not use it.
+[[nodiscard]] bool AtWorkBorder(Application& application, long id, const std::string& subject,
                                 const std::function<bool()>& work);
 
 }  // namespace txs
