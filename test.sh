@@ -10,7 +10,7 @@ cd "$(dirname "$0")"
 
 preset=${1:-ci}
 case $preset in
-  ci) groups='build ui test' ;;
+  ci) groups='build ui test display' ;;
   core | sanitize) groups='build test' ;;
   -h | --help)
     sed -n '2,/^set/{/^set/d;s/^# \{0,1\}//;p}' "$0"

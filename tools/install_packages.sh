@@ -9,12 +9,15 @@ set -eu
 # What it takes to build the programs without windows, and to run them.
 build_packages='g++ cmake ninja-build ccache zlib1g-dev libdeflate-dev nlohmann-json3-dev libcli11-dev'
 # The windows.
-ui_packages='libwxgtk3.2-dev'
+ui_packages='libwxgtk3.2-dev libgtk-3-dev pkgconf'
 # The tests, the checks of the sources, and the programs that tests compare results with.
 test_packages='libgtest-dev libgmock-dev clang-format git python3 pkgconf libzip-dev unzip p7zip-full'
 
+# The windows on a display of their own, as the tests and the screenshots need it.
+display_packages='xvfb openbox xdotool x11-utils imagemagick fonts-dejavu-core adwaita-icon-theme librsvg2-common'
+
 usage() {
-  echo "usage: $0 build|ui|test ..." >&2
+  echo "usage: $0 build|ui|test|display ..." >&2
   exit 2
 }
 
@@ -24,6 +27,7 @@ for group in "$@"; do
   case $group in
     build) wanted="$wanted $build_packages" ;;
     ui) wanted="$wanted $ui_packages" ;;
+    display) wanted="$wanted $display_packages" ;;
     test) wanted="$wanted $test_packages" ;;
     *) usage ;;
   esac

@@ -16,23 +16,20 @@
 #include <vector>
 
 #include "environment/file_system.h"
+#include "environment/host_paths.h"
 
 namespace txs {
 
-class HostFileSystem : public FileSystem {
+class HostFileSystem : public FileSystem, public HostPaths {
  public:
   // `root` is the host folder with the drives; it need not exist.
   explicit HostFileSystem(std::string root);
   ~HostFileSystem() override;
 
-  // The host path that a Windows path stands for, in the spelling of the disk as far as it exists.
-  // Throws kBadFileName for what no Windows path can be, kPathNotFound for a drive that is missing.
-  [[nodiscard]] std::string HostPath(std::string_view path) const;
-
-  // The Windows name of a host path (absolute, or relative to the current directory): on the drive
-  // whose folder contains it, else on Z:. "/home/me" gives "Z:\home\me". Throws kPathNotFound for
-  // what lies on no drive, which only happens where drive_z exists.
-  [[nodiscard]] std::string WindowsPath(std::string_view host_path) const;
+  // On the drive whose folder contains it, else on Z:. "/home/me" gives "Z:\home\me"; only where
+  // drive_z exists can a host path lie on no drive.
+  [[nodiscard]] std::string HostPath(std::string_view path) const override;
+  [[nodiscard]] std::string WindowsPath(std::string_view host_path) const override;
 
   [[nodiscard]] bool FileExists(std::string_view path) const override;
   [[nodiscard]] bool FolderExists(std::string_view path) const override;

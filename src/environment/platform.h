@@ -8,6 +8,7 @@
 #include "environment/archiver.h"
 #include "environment/clock.h"
 #include "environment/file_system.h"
+#include "environment/host_paths.h"
 #include "environment/message_boxes.h"
 #include "environment/profile_files.h"
 #include "environment/project_configurator.h"
@@ -20,6 +21,7 @@ namespace txs {
 struct Platform {
   Registry& registry;
   FileSystem& files;
+  const HostPaths& host_paths;
   ProfileFiles& profiles;
   const SpecialFolders& folders;
   SystemTools& tools;

@@ -51,9 +51,11 @@ class HostPlatform : public OwnedPlatform {
         profiles_(files_),
         tools_(registry_, files_, profiles_, folders_),
         archiver_(MakeBuiltInArchiver(files_, clock_)),
-        platform_{registry_, files_,        profiles_,
-                  folders_,  tools_,        *archiver_,
-                  clock_,    message_boxes, [this] { return MakeBuiltInConfigurator(tools_); }} {}
+        platform_{registry_,     files_,
+                  files_,        profiles_,
+                  folders_,      tools_,
+                  *archiver_,    clock_,
+                  message_boxes, [this] { return MakeBuiltInConfigurator(tools_); }} {}
 
   [[nodiscard]] Platform& Get() override { return platform_; }
 

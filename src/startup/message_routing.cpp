@@ -67,7 +67,7 @@ void RoutedMessages::GoUnattended(std::string project_directory) {
   unattended_ = true;
 }
 
-MessageResult RoutedMessages::ShowMessage(const Message& message) {
+MessageResult RoutedMessages::Show(const Message& message) {
   try {
     if (!unattended_) {
       return platform_.message_boxes.Show(message.prompt, message.buttons, message.title,

@@ -27,7 +27,7 @@ class RoutedMessages : public MessageService {
   // From here on messages go to the log of this project directory.
   void GoUnattended(std::string project_directory);
 
-  MessageResult ShowMessage(const Message& message) override;
+  MessageResult Show(const Message& message) override;
 
  private:
   void Log(const std::string& prompt);

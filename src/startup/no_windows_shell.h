@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "startup/start_routine.h"
+#include "ui/interactive_shell.h"
 
 namespace txs {
 

@@ -18,7 +18,7 @@ void ProgressLine::Clear() {
   shown_.clear();
 }
 
-MessageResult ToolMessages::ShowMessage(const Message& message) {
+MessageResult ToolMessages::Show(const Message& message) {
   try {
     progress_.Clear();
     stream_ << "message " << message.id << ": " << ToConsoleText(message.prompt) << '\n';

@@ -37,7 +37,7 @@ class ToolMessages : public MessageService {
   ToolMessages(std::ostream& stream, ProgressLine& progress)
       : stream_(stream), progress_(progress) {}
 
-  MessageResult ShowMessage(const Message& message) override;
+  MessageResult Show(const Message& message) override;
 
   [[nodiscard]] const std::vector<Message>& Shown() const { return shown_; }
 

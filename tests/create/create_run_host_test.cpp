@@ -95,6 +95,7 @@ class CreateRunOnHost : public testing::Test {
   std::unique_ptr<Archiver> archiver_ = MakeBuiltInArchiver(files_, clock_);
   Platform platform_{registry_,
                      files_,
+                     files_,
                      profiles_,
                      folders_,
                      tools_,

@@ -23,7 +23,7 @@ class RecordingMessages : public MessageService {
  public:
   std::vector<Message> shown;
 
-  MessageResult ShowMessage(const Message& message) override {
+  MessageResult Show(const Message& message) override {
     shown.push_back(message);
     return MessageResult::kOk;
   }

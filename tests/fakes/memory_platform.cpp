@@ -13,6 +13,7 @@ MemoryPlatform::MemoryPlatform()
       archiver(*built_in_archiver_),
       platform_{registry,
                 files,
+                host_paths,
                 profiles,
                 folders,
                 tools,

@@ -13,6 +13,7 @@
 #include "fakes/fixed_special_folders.h"
 #include "fakes/memory_file_system.h"
 #include "fakes/memory_registry.h"
+#include "fakes/same_host_paths.h"
 #include "fakes/scripted_message_boxes.h"
 
 namespace txs {
@@ -22,6 +23,7 @@ class MemoryPlatform {
   MemoryPlatform();
 
   MemoryFileSystem files;
+  SameHostPaths host_paths;
   MemoryRegistry registry;
   FixedClock clock;
   FixedSpecialFolders folders;

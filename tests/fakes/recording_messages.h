@@ -13,7 +13,7 @@ class RecordingMessages : public MessageService {
   std::vector<Message> shown;
   std::deque<MessageResult> answers;  // kOk once it is empty
 
-  MessageResult ShowMessage(const Message& message) override {
+  MessageResult Show(const Message& message) override {
     shown.push_back(message);
     if (answers.empty()) return MessageResult::kOk;
     const MessageResult answer = answers.front();

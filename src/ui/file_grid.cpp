@@ -1,0 +1,3 @@
+#include "ui/file_grid.h"
+
+namespace txs {}  // namespace txs

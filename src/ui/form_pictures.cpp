@@ -1,0 +1,3 @@
+#include "ui/form_pictures.h"
+
+namespace txs {}  // namespace txs

@@ -1,0 +1,3 @@
+#include "ui/help.h"
+
+namespace txs {}  // namespace txs

@@ -1,0 +1,3 @@
+#include "ui/info_form.h"
+
+namespace txs {}  // namespace txs

@@ -1,0 +1,3 @@
+#include "ui/options_form.h"
+
+namespace txs {}  // namespace txs

@@ -1,0 +1,3 @@
+#include "ui/project_open_form.h"
+
+namespace txs {}  // namespace txs

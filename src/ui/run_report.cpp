@@ -1,0 +1,3 @@
+#include "ui/run_report.h"
+
+namespace txs {}  // namespace txs

@@ -1,0 +1,3 @@
+#include "ui/search_file_form.h"
+
+namespace txs {}  // namespace txs

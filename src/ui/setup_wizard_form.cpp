@@ -1,0 +1,3 @@
+#include "ui/setup_wizard_form.h"
+
+namespace txs {}  // namespace txs

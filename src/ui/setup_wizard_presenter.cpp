@@ -1,0 +1,3 @@
+#include "ui/setup_wizard_presenter.h"
+
+namespace txs {}  // namespace txs

@@ -1,0 +1,93 @@
+// What every event of the main form does: the form forwards its events and knows nothing else.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "document/application.h"
+#include "document/document_check.h"
+#include "ui/setup_wizard_view.h"
+#include "ui/step_controls.h"
+
+namespace txs {
+
+// Nothing here throws: every failure shows its message. `application` and `view` must outlive it.
+class SetupWizardPresenter {
+ public:
+  SetupWizardPresenter(Application& application, SetupWizardView& view)
+      : application_(application), view_(view) {}
+
+  // The form has been built: shows title, document and figures of the project that is open.
+  void Load();
+
+  // --- Menus
+  // Asks 1706 when the document has changed, then for a project; opens it when one was chosen.
+  void OpenProject();
+  // False after message 911 when the settings could not be written.
+  bool Save();
+  void End() { view_.Close(); }
+  void ShowHelpContents() { view_.ShowHelpContents(); }
+  void ShowInfo() { view_.ShowInfo(); }
+  void ShowOptions() { view_.ShowOptions(); }
+  void ClearSettings();  // asks 1704
+
+  // The form is about to close: asks 1703 while the document has changed. False keeps it open.
+  [[nodiscard]] bool MayClose();
+
+  // --- Steps
+  // Checks the document for the step that is left; false (after its message) when `left` must be
+  // selected again, which the form does without a further check.
+  [[nodiscard]] bool ChangeStep(Step left, Step entered);
+
+  // The text of a text box was edited. Sets the changed flag.
+  void TextEdited(const TextBox& box, const std::string& text);
+  // txtUserDirectory and txtRenameUserDir hold no setting yet, but an edit counts as a change.
+  void LooseTextEdited();
+  // What a directory text box must hold when the focus leaves it.
+  [[nodiscard]] std::string LeaveDirectory(const std::string& text) const;
+  // "..." beside a background picture: the chosen file, or nothing when cancelled. The caller puts
+  // it into the box.
+  [[nodiscard]] std::string BrowsePicture(const TextBox& box);
+
+  // --- Step 2. Indexes are those of StepSettings::user_directories, from 0.
+  // False (after a beep) when the list has that directory already; else the box is to be emptied.
+  [[nodiscard]] bool AddUserDirectory(const std::string& text);
+  void DeleteUserDirectory(std::size_t index);
+  void RenameUserDirectory(std::size_t index, const std::string& text);
+
+  // --- Steps 3 and 5
+  void SetUseJet(bool checked);       // checked: notice 1714
+  void SetUseOdbc(bool checked);      // checked: notice 1714
+  void SetMinimalMdac(bool checked);  // checked: notice 1715
+  void SetServicePack(bool checked);
+  void SetDiskSize(long index);  // recomputes the disks needed
+
+  // --- Step 4. Rows count from 1.
+  void Scan();
+  void AddFiles();
+  // What AddFiles does with the chosen files; also the files that were dropped onto the list. Full
+  // Windows paths.
+  void AddFiles(const std::vector<std::string>& paths);
+  void DeleteRows(const std::vector<std::size_t>& rows);
+  // A cell was edited: takes the text, clears the row's mark, sets the changed flag.
+  void EditCell(std::size_t row, FileColumn column, const std::string& text);
+
+  // --- Step 5
+  void Create();
+
+  // Whether a run is under way: closing, a second run and everything else must wait.
+  [[nodiscard]] bool IsRunning() const { return running_; }
+
+ private:
+  // Saves when the answer to question `id` is Yes; false on Cancel or when saving failed.
+  [[nodiscard]] bool SaveOnRequest(long id);
+  void ShowAll();
+
+  Application& application_;
+  SetupWizardView& view_;
+  bool running_ = false;
+};
+
+}  // namespace txs

@@ -1,0 +1,3 @@
+#include "ui/state_scan_form.h"
+
+namespace txs {}  // namespace txs

@@ -1,0 +1,3 @@
+#include "ui/step_controls.h"
+
+namespace txs {}  // namespace txs

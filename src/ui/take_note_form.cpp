@@ -1,0 +1,3 @@
+#include "ui/take_note_form.h"
+
+namespace txs {}  // namespace txs

@@ -1,0 +1,3 @@
+#include "ui/window_memory.h"
+
+namespace txs {}  // namespace txs

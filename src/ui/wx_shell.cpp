@@ -1,0 +1,3 @@
+#include "ui/wx_shell.h"
+
+namespace txs {}  // namespace txs

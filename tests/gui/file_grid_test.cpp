@@ -1,0 +1,1 @@
+#include "ui/file_grid.h"

@@ -1,0 +1,171 @@
+#include "gui/gui_support.h"
+
+#include <wx/bitmap.h>
+#include <wx/dcmemory.h>
+#include <wx/dcscreen.h>
+#include <wx/evtloop.h>
+#include <wx/image.h>
+#include <wx/uiaction.h>
+#include <wx/utils.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <stdexcept>
+
+namespace txs {
+namespace {
+
+constexpr int kPauseMilliseconds = 5;
+
+// The pointer of an earlier test must not lie over the next form's controls.
+void Move(const wxPoint& on_screen) {
+  wxUIActionSimulator simulator;
+  simulator.MouseMove(on_screen);
+  WaitFor([&] { return wxGetMousePosition() == on_screen; }, 2);
+}
+
+void CollectClipped(wxWindow& window, std::string& names) {
+  for (wxWindow* const child : window.GetChildren()) {
+    if (!child->IsShown() || child->IsTopLevel()) continue;
+    const wxSize needed = child->GetBestSize();
+    const wxSize has = child->GetSize();
+    const wxSize room = window.GetClientSize();
+    const wxPoint at = child->GetPosition();
+    // Scrolled controls ask for more than they need; labels and buttons do not.
+    const bool shows_text = dynamic_cast<wxControl*>(child) != nullptr &&
+                            !child->GetLabel().empty() && !child->IsDoubleBuffered();
+    const bool too_small =
+        shows_text && (has.GetWidth() < needed.GetWidth() || has.GetHeight() < needed.GetHeight());
+    const bool outside = at.x < 0 || at.y < 0 || at.x + has.GetWidth() > room.GetWidth() ||
+                         at.y + has.GetHeight() > room.GetHeight();
+    if (too_small || outside) {
+      names += child->GetName().utf8_string() + " '" + child->GetLabel().utf8_string() + "' has " +
+               std::to_string(has.GetWidth()) + "x" + std::to_string(has.GetHeight()) + ", needs " +
+               std::to_string(needed.GetWidth()) + "x" + std::to_string(needed.GetHeight()) + "\n";
+    }
+    CollectClipped(*child, names);
+  }
+}
+
+}  // namespace
+
+GuiWorld::GuiWorld(long language_id)
+    : application{platform.Get(),
+                  messages,
+                  TextService(language_id),
+                  /*installation=*/{},
+                  /*configurator=*/MakeBuiltInConfigurator(platform.tools),
+                  /*project=*/{},
+                  /*document=*/{}} {
+  platform.InstallStudio();
+  application.installation = CheckEnvironment(platform.tools, platform.files).settings;
+}
+
+void LetEventsRun() {
+  // A test runs outside of any event loop unless a dialog is modal.
+  if (wxEventLoopBase::GetActive() == nullptr) {
+    wxEventLoop loop;
+    wxEventLoopActivator activator(&loop);
+    loop.YieldFor(wxEVT_CATEGORY_ALL);
+    while (loop.ProcessIdle()) {
+    }
+    return;
+  }
+  wxYield();
+}
+
+bool WaitFor(const std::function<bool()>& condition, double seconds) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+  for (;;) {
+    LetEventsRun();
+    if (condition()) return true;
+    if (std::chrono::steady_clock::now() > end) return false;
+    wxMilliSleep(kPauseMilliseconds);
+  }
+}
+
+void ShowAndActivate(wxTopLevelWindow& form) {
+  form.Show();
+  form.Raise();
+  EXPECT_TRUE(WaitFor([&] { return form.IsShownOnScreen() && form.IsActive(); }));
+}
+
+wxWindow* FindControl(wxWindow& form, const std::string& name) {
+  wxWindow* const found = wxWindow::FindWindowByName(wxString::FromUTF8(name), &form);
+  EXPECT_NE(found, nullptr) << "no control " << name;
+  if (found == nullptr) throw std::runtime_error("no control " + name);
+  return found;
+}
+
+void Click(wxWindow& window) {
+  const wxRect at = window.GetScreenRect();
+  ClickAt(wxPoint(at.x + at.width / 2, at.y + at.height / 2));
+}
+
+void ClickAt(const wxPoint& on_screen) {
+  Move(on_screen);
+  wxUIActionSimulator simulator;
+  simulator.MouseClick();
+  LetEventsRun();
+}
+
+void DoubleClickAt(const wxPoint& on_screen) {
+  Move(on_screen);
+  wxUIActionSimulator simulator;
+  simulator.MouseDblClick();
+  LetEventsRun();
+}
+
+void PressKey(int key_code, int modifiers) {
+  wxUIActionSimulator simulator;
+  simulator.Char(key_code, modifiers);
+  LetEventsRun();
+}
+
+void TypeText(const std::string& ascii) {
+  wxUIActionSimulator simulator;
+  simulator.Text(ascii.c_str());
+  LetEventsRun();
+}
+
+int WhileModal(wxDialog& dialog, const std::function<int()>& show,
+               const std::function<void()>& action) {
+  bool acted = false;
+  // Posted now, handled by the dialog's own loop: there is no other one running.
+  dialog.CallAfter([&] {
+    if (acted) return;
+    acted = true;
+    EXPECT_TRUE(WaitFor([&] { return dialog.IsModal() && dialog.IsActive(); }));
+    action();
+  });
+  const int result = show();
+  EXPECT_TRUE(acted);
+  return result;
+}
+
+std::string ClippedControls(wxWindow& window) {
+  std::string names;
+  CollectClipped(window, names);
+  return names;
+}
+
+void TakePicture(wxTopLevelWindow& form, const std::string& name) {
+  const char* const folder = std::getenv("SCREENSHOTS");
+  if (folder == nullptr || *folder == '\0') return;
+  form.Refresh();
+  form.Update();
+  // A repaint takes the window system a moment that no event announces.
+  WaitFor([] { return false; }, 0.3);
+  const wxRect at = form.GetScreenRect();
+  wxBitmap picture(at.GetSize());
+  wxMemoryDC memory(picture);
+  wxScreenDC screen;
+  memory.Blit(wxPoint(0, 0), at.GetSize(), &screen, at.GetPosition());
+  memory.SelectObject(wxNullBitmap);
+  if (!wxImage::FindHandler(wxBITMAP_TYPE_PNG)) wxImage::AddHandler(new wxPNGHandler);
+  const std::filesystem::path path = std::filesystem::path(folder) / (name + ".png");
+  EXPECT_TRUE(picture.SaveFile(wxString(path.string()), wxBITMAP_TYPE_PNG)) << path;
+}
+
+}  // namespace txs

@@ -1,0 +1,83 @@
+// What a test does to a form: finds controls by their documented names, moves the mouse, presses
+// keys, and waits until something is true. Nothing waits for a fixed time.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <wx/dialog.h>
+#include <wx/event.h>
+#include <wx/toplevel.h>
+#include <wx/window.h>
+
+#include <functional>
+#include <string>
+
+#include "document/application.h"
+#include "fakes/memory_platform.h"
+#include "fakes/recording_messages.h"
+#include "ui/help.h"
+
+namespace txs {
+
+// A studio in memory with an application that works on it. German unless told otherwise.
+struct GuiWorld {
+  explicit GuiWorld(long language_id = 1031);
+
+  MemoryPlatform platform;
+  RecordingMessages messages;
+  Application application;
+};
+
+// Notes what was asked of it.
+class RecordingHelp : public HelpViewer {
+ public:
+  std::vector<std::string> opened;
+  bool succeeds = true;
+
+  [[nodiscard]] bool Open(const std::string& help_file, int topic) override {
+    opened.push_back(help_file + "#" + std::to_string(topic));
+    return succeeds;
+  }
+};
+
+// Handles events until `condition` holds; false when it does not within `seconds`.
+bool WaitFor(const std::function<bool()>& condition, double seconds = 10);
+
+// Handles all events that are pending.
+void LetEventsRun();
+
+// Shows a form and waits until it has the focus of the window system.
+void ShowAndActivate(wxTopLevelWindow& form);
+
+// The control of that name below `form`; fails the test when there is none or it is of another
+// type.
+wxWindow* FindControl(wxWindow& form, const std::string& name);
+template <typename ControlType>
+ControlType& Control(wxWindow& form, const std::string& name) {
+  auto* const control = dynamic_cast<ControlType*>(FindControl(form, name));
+  if (control == nullptr) throw std::runtime_error("no control of the expected type: " + name);
+  return *control;
+}
+
+// Moves the real pointer and presses the left button.
+void Click(wxWindow& window);
+void ClickAt(const wxPoint& on_screen);
+void DoubleClickAt(const wxPoint& on_screen);
+
+// Keys as the user presses them, into whatever has the focus. `modifiers` as wxMOD_ALT.
+void PressKey(int key_code, int modifiers = 0);
+void TypeText(const std::string& ascii);
+
+// Runs `action` once `dialog`, shown modally by `show`, is on the screen and active. Returns what
+// `show` returned.
+int WhileModal(wxDialog& dialog, const std::function<int()>& show,
+               const std::function<void()>& action);
+
+// Whether every control below `window` that is shown has at least the size that its contents need,
+// and lies within its parent; the names of those that do not, one per line.
+std::string ClippedControls(wxWindow& window);
+
+// Saves what is on the screen where `form` stands as a PNG file in the folder that SCREENSHOTS
+// names; does nothing when it is unset.
+void TakePicture(wxTopLevelWindow& form, const std::string& name);
+
+}  // namespace txs

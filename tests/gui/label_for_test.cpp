@@ -1,0 +1,1 @@
+#include "ui/label_for.h"

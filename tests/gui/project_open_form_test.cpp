@@ -1,0 +1,1 @@
+#include "ui/project_open_form.h"

@@ -1,0 +1,1 @@
+#include "ui/remembered_window.h"

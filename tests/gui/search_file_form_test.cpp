@@ -1,0 +1,1 @@
+#include "ui/search_file_form.h"

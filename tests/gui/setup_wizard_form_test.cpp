@@ -1,0 +1,1 @@
+#include "ui/setup_wizard_form.h"

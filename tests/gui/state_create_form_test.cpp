@@ -1,0 +1,1 @@
+#include "ui/state_create_form.h"

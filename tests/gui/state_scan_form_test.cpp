@@ -1,0 +1,1 @@
+#include "ui/state_scan_form.h"

@@ -1,0 +1,1 @@
+#include "ui/take_note_form.h"

@@ -1,0 +1,1 @@
+#include "ui/run_report.h"

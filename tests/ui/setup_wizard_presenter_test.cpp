@@ -1,0 +1,1 @@
+#include "ui/setup_wizard_presenter.h"

@@ -1,0 +1,1 @@
+#include "ui/step_controls.h"
