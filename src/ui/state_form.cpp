@@ -33,7 +33,9 @@ constexpr int kReportHeight = 150;
 constexpr std::chrono::milliseconds kPaintInterval(25);
 // The toolkit lays out and paints anew at most this often.
 constexpr std::chrono::milliseconds kFrame(20);
-constexpr int kPaintShare = 10;  // of the run's time, one part in so many
+// Painting may take this much, and one part in so many of the run's time.
+constexpr std::chrono::milliseconds kPaintAllowance(50);
+constexpr int kPaintShare = 10;
 
 void SetWeight(wxWindow& window, bool bold) {
   wxFont font = window.GetFont();
@@ -150,7 +152,7 @@ void PaintPace::Start() {
 
 bool PaintPace::IsDue() const {
   const Clock::time_point now = Clock::now();
-  return now - last_ >= kPaintInterval || spent_ * kPaintShare <= now - start_;
+  return now - last_ >= kPaintInterval || spent_ <= kPaintAllowance + (now - start_) / kPaintShare;
 }
 
 StateForm::StateForm(wxWindow* parent, const Application& application, long title_id,
@@ -181,6 +183,7 @@ void StateForm::AddStages(long frame_id, const std::vector<long>& stage_ids) {
     stages_.emplace_back(box, *lines, i, Texts());
     captions_.Add(stages_.back().Label(), stage_ids[i]);
   }
+  lines->AddSpacer(FromDIP(kSmallGap));
   column_->Add(lines, wxSizerFlags().Expand());
 }
 

@@ -369,9 +369,8 @@ TEST_F(StateScan, ListsWhatWasMissingOnce) {
 
   WaitWhile([&] {
     const std::string text = Report().GetValue().utf8_string();
-    const std::string chain = ChainText(kMissing.chain);
-    EXPECT_NE(text.find(chain), std::string::npos);
-    EXPECT_EQ(text.find(chain), text.rfind(chain));
+    EXPECT_NE(text.find("COMCAT.DLL"), std::string::npos);
+    EXPECT_EQ(text.find("COMCAT.DLL"), text.rfind("COMCAT.DLL"));
     PressKey(WXK_RETURN);
   });
 }
@@ -383,7 +382,7 @@ TEST_F(StateScan, ListsWhatWasMissingWithoutAReport) {
 
   WaitWhile([&] {
     EXPECT_TRUE(Report().IsShown());
-    EXPECT_THAT(Report().GetValue().utf8_string(), HasSubstr(ChainText(kMissing.chain)));
+    EXPECT_THAT(Report().GetValue().utf8_string(), HasSubstr("COMCAT.DLL"));
     PressKey(WXK_RETURN);
   });
 }
