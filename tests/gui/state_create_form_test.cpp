@@ -298,6 +298,7 @@ TEST_F(StateCreate, TheRunNoticesAPressOfCancelWithinOneFile) {
 
   EXPECT_FALSE(result.succeeded);
   EXPECT_TRUE(form_->IsCancelPressed());
+  EXPECT_TRUE(pressed);
   EXPECT_EQ(files_after_press, 0);
   EXPECT_LT(files, 50);
 }
