@@ -5,6 +5,7 @@
 #include <wx/dcscreen.h>
 #include <wx/evtloop.h>
 #include <wx/image.h>
+#include <wx/stattext.h>
 #include <wx/uiaction.h>
 #include <wx/utils.h>
 
@@ -25,16 +26,24 @@ void Move(const wxPoint& on_screen) {
   WaitFor([&] { return wxGetMousePosition() == on_screen; }, 2);
 }
 
+// A label that is cut on purpose needs no width.
+wxSize NeededSize(wxWindow& control) {
+  wxSize needed = control.GetBestSize();
+  const auto* const text = dynamic_cast<wxStaticText*>(&control);
+  if (text != nullptr && text->IsEllipsized()) needed.SetWidth(0);
+  return needed;
+}
+
 void CollectClipped(wxWindow& window, std::string& names) {
   for (wxWindow* const child : window.GetChildren()) {
     if (!child->IsShown() || child->IsTopLevel()) continue;
-    const wxSize needed = child->GetBestSize();
+    const wxSize needed = NeededSize(*child);
     const wxSize has = child->GetSize();
     const wxSize room = window.GetClientSize();
     const wxPoint at = child->GetPosition();
     // Scrolled controls ask for more than they need; labels and buttons do not.
-    const bool shows_text = dynamic_cast<wxControl*>(child) != nullptr &&
-                            !child->GetLabel().empty() && !child->IsDoubleBuffered();
+    const bool shows_text =
+        dynamic_cast<wxControl*>(child) != nullptr && !child->GetLabel().empty();
     const bool too_small =
         shows_text && (has.GetWidth() < needed.GetWidth() || has.GetHeight() < needed.GetHeight());
     const bool outside = at.x < 0 || at.y < 0 || at.x + has.GetWidth() > room.GetWidth() ||
@@ -142,6 +151,12 @@ int WhileModal(wxDialog& dialog, const std::function<int()>& show,
   const int result = show();
   EXPECT_TRUE(acted);
   return result;
+}
+
+void EndUnlessHidden(wxDialog& dialog) {
+  const bool hidden = WaitFor([&] { return !dialog.IsShown(); });
+  EXPECT_TRUE(hidden) << "the dialog is still open";
+  if (!hidden) dialog.EndModal(wxID_ABORT);
 }
 
 std::string ClippedControls(wxWindow& window) {
