@@ -226,6 +226,8 @@ void FSearchFile::ShowModel() {
   }
   ShowNames(*folders_, model_.Folders());
   if (ShowNames(*files_, model_.Files()) && !files_->IsEmpty()) files_->SetSelection(0);
+  // A disabled button would keep the focus and swallow the Escape key.
+  if (!model_.OkEnabled() && ok_->HasFocus()) folders_->SetFocus();
   ok_->Enable(model_.OkEnabled());
 }
 
