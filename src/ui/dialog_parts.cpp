@@ -100,12 +100,16 @@ int FitColumns(wxListView& list) {
     list.SetColumnWidth(column, wxLIST_AUTOSIZE_USEHEADER);
     needed += list.GetColumnWidth(column);
   }
-  // The list has its new size once it has seen the event itself.
+  StretchLastColumn(list);
+  return needed;
+}
+
+void KeepLastColumnStretched(wxListView& list) {
   list.Bind(wxEVT_SIZE, [&list](wxSizeEvent& event) {
     event.Skip();
+    // The list has its new size once it has seen the event itself.
     list.CallAfter([&list] { StretchLastColumn(list); });
   });
-  return needed;
 }
 
 void TipCutOffTexts(wxListView& list) {

@@ -4,7 +4,7 @@
 #include <wx/button.h>
 #include <wx/choice.h>
 #include <wx/frame.h>
-#include <wx/listbox.h>
+#include <wx/listctrl.h>
 #include <wx/stattext.h>
 #include <wx/utils.h>
 
@@ -49,8 +49,8 @@ struct Dialog {
   FSearchFile form;
 };
 
-wxListBox& Folders(FSearchFile& form) { return Control<wxListBox>(form, "dirSearchFile"); }
-wxListBox& Files(FSearchFile& form) { return Control<wxListBox>(form, "filSearchFile"); }
+wxListView& Folders(FSearchFile& form) { return Control<wxListView>(form, "dirSearchFile"); }
+wxListView& Files(FSearchFile& form) { return Control<wxListView>(form, "filSearchFile"); }
 wxChoice& Drives(FSearchFile& form) { return Control<wxChoice>(form, "drvSearchFile"); }
 
 std::string Path(FSearchFile& form) {
@@ -59,18 +59,18 @@ std::string Path(FSearchFile& form) {
 
 bool OkIsEnabled(FSearchFile& form) { return FindControl(form, "cmdOK")->IsEnabled(); }
 
-std::vector<std::string> Rows(const wxListBox& list) {
+std::vector<std::string> Rows(const wxListView& list) {
   std::vector<std::string> rows;
-  for (const wxString& row : list.GetStrings()) rows.push_back(row.utf8_string());
+  for (long row = 0; row < list.GetItemCount(); ++row) {
+    rows.push_back(list.GetItemText(row).utf8_string());
+  }
   return rows;
 }
 
-wxPoint OnRow(wxListBox& list, int row) {
-  // The rows of a list are equally high; where the first one ends is asked of the list.
-  int y = 0;
-  while (y < list.GetClientSize().GetHeight() && list.HitTest(wxPoint(10, y)) != row) ++y;
-  EXPECT_EQ(list.HitTest(wxPoint(10, y)), row);
-  return list.ClientToScreen(wxPoint(20, y + 5));
+wxPoint OnRow(wxListView& list, long row) {
+  wxRect at;
+  EXPECT_TRUE(list.GetItemRect(row, at));
+  return list.ClientToScreen(wxPoint(at.x + 20, at.y + at.height / 2));
 }
 
 class FSearchFileInBothLanguages : public testing::TestWithParam<long> {};
@@ -197,10 +197,11 @@ TEST(FSearchFile, TheKeyboardAloneLeadsToTheFileAndBack) {
     EXPECT_TRUE(WaitFor([&] { return Path(dialog.form) == "D:\\Kits\\Common & Co"; }));
     PressKey(WXK_BACK);
     EXPECT_TRUE(WaitFor([&] { return Path(dialog.form) == "D:\\Kits"; }));
-    EXPECT_EQ(Folders(dialog.form).GetStringSelection(), "Common & Co");
+    EXPECT_EQ(Folders(dialog.form).GetItemText(Folders(dialog.form).GetFirstSelected()),
+              "Common & Co");
     PressKey(WXK_RETURN);
     EXPECT_TRUE(WaitFor([&] { return Path(dialog.form) == "D:\\Kits\\Common & Co"; }));
-    TakePicture(dialog.form, "x1"); PressKey('D', wxMOD_ALT); TakePicture(dialog.form, "x2");
+    PressKey('D', wxMOD_ALT);
     EXPECT_TRUE(WaitFor([&] { return FocusIsIn(Files(dialog.form)); }));
     PressKey(WXK_RETURN);
     EndUnlessHidden(dialog.form);
@@ -208,6 +209,25 @@ TEST(FSearchFile, TheKeyboardAloneLeadsToTheFileAndBack) {
 
   EXPECT_EQ(result, wxID_OK);
   EXPECT_EQ(dialog.model.Answer().directory, "D:\\Kits\\Common & Co");
+}
+
+// The key was passed on to the OK button, which the folder had enabled.
+TEST(FSearchFile, EnteringTheFolderOfTheFileByKeyDoesNotConfirmIt) {
+  StudioThatMissesAFile world;
+  Dialog dialog(world, "D:\\Kits");
+
+  dialog.Answer([&] {
+    PressKey(WXK_DOWN);
+    PressKey(WXK_RETURN);
+    EXPECT_TRUE(WaitFor([&] { return OkIsEnabled(dialog.form); }));
+    // What the key after it does shows that Enter has been handled.
+    PressKey(WXK_BACK);
+    EXPECT_TRUE(WaitFor([&] { return Path(dialog.form) == "D:\\Kits"; }));
+    PressKey(WXK_ESCAPE);
+    EndUnlessHidden(dialog.form);
+  });
+
+  EXPECT_EQ(dialog.model.Answer().result, SearchFileResult::kCancel);
 }
 
 TEST(FSearchFile, TwoDotsAndBackspaceGoUpAndEndAtTheDrive) {
@@ -339,9 +359,10 @@ TEST(FSearchFile, TheListsGrowWithTheDialogAndItsSizeIsThatOfTheLastTime) {
   }
 
   Dialog again(world);
+  ShowAndActivate(again.form);
 
   EXPECT_TRUE(grown);
-  EXPECT_EQ(again.form.GetSize(), before);
+  EXPECT_TRUE(WaitFor([&] { return again.form.GetSize() == before; }));
 }
 
 // The dialog that a question has opened.
