@@ -83,6 +83,9 @@ std::string ClippedControls(wxWindow& window);
 // The text of the tooltip that is on the screen; empty when there is none.
 std::string ShownTooltip();
 
+// Whether the keys go to `window` or to a part of it, as the toolkit sees it.
+bool FocusIsIn(wxWindow& window);
+
 // What a screen reader announces for what has the focus in `form`.
 std::string NameOfFocus(wxTopLevelWindow& form);
 

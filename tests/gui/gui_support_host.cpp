@@ -31,6 +31,13 @@ std::string ShownTooltip() {
   return text;
 }
 
+bool FocusIsIn(wxWindow& window) {
+  GtkWidget* const form = gtk_widget_get_toplevel(window.GetHandle());
+  GtkWidget* const focus = GTK_IS_WINDOW(form) ? gtk_window_get_focus(GTK_WINDOW(form)) : nullptr;
+  if (focus == nullptr || gtk_widget_has_focus(focus) == FALSE) return false;
+  return focus == window.GetHandle() || gtk_widget_is_ancestor(focus, window.GetHandle()) != FALSE;
+}
+
 std::string NameOfFocus(wxTopLevelWindow& form) {
   GtkWidget* const focus = gtk_window_get_focus(GTK_WINDOW(form.GetHandle()));
   if (focus == nullptr) return "";

@@ -301,9 +301,10 @@ TEST(FOptions, TheListGrowsWithTheDialogAndItsSizeIsThatOfTheLastTime) {
   }
 
   FOptions again(nullptr, world.application, world.help);
+  ShowAndActivate(again);
 
   EXPECT_TRUE(grown);
-  EXPECT_EQ(again.GetSize(), before);
+  EXPECT_TRUE(WaitFor([&] { return again.GetSize() == before; }));
 }
 
 }  // namespace

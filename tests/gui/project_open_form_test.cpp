@@ -412,8 +412,9 @@ TEST(FProjectOpen, ItsSizeIsThatOfTheLastTime) {
   }
 
   FProjectOpen again(nullptr, world.application);
+  ShowAndActivate(again);
 
-  EXPECT_EQ(again.GetSize(), before);
+  EXPECT_TRUE(WaitFor([&] { return again.GetSize() == before; }));
 }
 
 }  // namespace
