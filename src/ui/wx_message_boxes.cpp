@@ -12,6 +12,7 @@
 
 #include <algorithm>
 
+#include "ui/form_pictures.h"
 #include "ui/wx_text.h"
 
 namespace txs {
@@ -139,6 +140,7 @@ class MessageDialog : public wxDialog {
   MessageDialog(wxWindow* parent, const TextService& texts, Contents contents)
       : wxDialog(parent, wxID_ANY, contents.title), contents_(std::move(contents)) {
     SetName("FMessage");
+    SetIcons(ApplicationIcons());
     auto* const outer = new wxBoxSizer(wxVERTICAL);
     outer->Add(MakeMessage(), wxSizerFlags(1).Expand().Border(wxALL, FromDIP(kMargin)));
     outer->Add(MakeButtons(texts), wxSizerFlags().Expand().Border(wxALL & ~wxTOP, FromDIP(8)));
