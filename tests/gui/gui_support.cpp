@@ -161,6 +161,7 @@ void TakePicture(wxTopLevelWindow& form, const std::string& name) {
   wxBitmap picture(at.GetSize());
   wxMemoryDC memory(picture);
   wxScreenDC screen;
+  ForgetPictureOfScreen(screen.GetImpl()->GetCairoContext());
   memory.Blit(wxPoint(0, 0), at.GetSize(), &screen, at.GetPosition());
   memory.SelectObject(wxNullBitmap);
   if (!wxImage::FindHandler(wxBITMAP_TYPE_PNG)) wxImage::AddHandler(new wxPNGHandler);
