@@ -4,12 +4,14 @@
 #include <wx/dialog.h>
 
 #include "document/application.h"
+#include "ui/help.h"
 
 namespace txs {
 
 class FInfo : public wxDialog {
  public:
-  FInfo(wxWindow* parent, Application& application);
+  // Without `help` F1 does nothing.
+  FInfo(wxWindow* parent, Application& application, HelpViewer* help = nullptr);
 };
 
 }  // namespace txs

@@ -1,7 +1,10 @@
 // The Options dialog.
 #pragma once
 
+#include <wx/checkbox.h>
 #include <wx/dialog.h>
+#include <wx/listctrl.h>
+#include <wx/textctrl.h>
 
 #include "document/application.h"
 #include "ui/help.h"
@@ -13,6 +16,21 @@ class FOptions : public wxDialog {
   // Shows the path variables of the open project. OK keeps the option in the registry; when the
   // registry refuses, it says so (message 911) and the dialog stays open.
   FOptions(wxWindow* parent, Application& application, HelpViewer& help);
+
+  int ShowModal() override;
+
+ private:
+  void FillVariables();
+  void BindEvents();
+  void HandleListKey(wxKeyEvent& event);
+  // False after a message when the registry refuses.
+  bool StoreOption();
+  void CopyValue();
+
+  Application& application_;
+  wxListView* variables_ = nullptr;          // lvwVariables
+  wxTextCtrl* variable_ = nullptr;           // txtVariable
+  wxCheckBox* use_runtime_setup_ = nullptr;  // chkUseRuntimeSetup
 };
 
 }  // namespace txs

@@ -1,11 +1,17 @@
 // The Search-File dialog.
 #pragma once
 
+#include <wx/button.h>
+#include <wx/choice.h>
 #include <wx/dialog.h>
+#include <wx/listbox.h>
+#include <wx/sizer.h>
+#include <wx/stattext.h>
 
 #include "document/application.h"
 #include "scan/search_file_dialog.h"
 #include "scan/search_file_model.h"
+#include "ui/form_captions.h"
 #include "ui/help.h"
 
 namespace txs {
@@ -14,6 +20,36 @@ class FSearchFile : public wxDialog {
  public:
   // `model` holds the answer when the dialog has closed.
   FSearchFile(wxWindow* parent, Application& application, HelpViewer& help, SearchFileModel& model);
+
+  int ShowModal() override;
+
+ private:
+  wxStaticText* MakeText(const char* name);
+  wxSizer* MakeExplanation(FormCaptions& captions);
+  wxSizer* MakeLists(FormCaptions& captions);
+  wxStdDialogButtonSizer* MakeButtons(FormCaptions& captions);
+  void BindEvents();
+  void HandleFolderKey(wxKeyEvent& event);
+
+  // Takes from the model what has changed.
+  void ShowModel();
+  void ChangeDrive();
+  void EnterSelectedFolder();
+  void EnterFolder(const wxString& name);
+  void PressOk();
+  // Another program may have put the file there or taken it away.
+  void LookAgain();
+
+  Application& application_;
+  SearchFileModel& model_;
+  wxStaticText* drive_label_ = nullptr;
+  wxStaticText* path_label_ = nullptr;
+  wxStaticText* file_label_ = nullptr;
+  wxChoice* drives_ = nullptr;    // drvSearchFile
+  wxListBox* folders_ = nullptr;  // dirSearchFile
+  wxListBox* files_ = nullptr;    // filSearchFile
+  wxStaticText* path_ = nullptr;  // lblFilePath
+  wxButton* ok_ = nullptr;        // cmdOK
 };
 
 // Opens the dialog for every question of a Scan: the first time in the project directory, then
@@ -26,6 +62,7 @@ class SearchFileForms : public SearchFileDialog {
 
   void SetParent(wxWindow* parent) { parent_ = parent; }
 
+  // The pointer is an arrow while the dialog is open, whatever it is during the run.
   [[nodiscard]] SearchFileAnswer Search(const SearchFileRequest& request) override;
 
  private:

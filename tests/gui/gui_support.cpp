@@ -33,8 +33,8 @@ void CollectClipped(wxWindow& window, std::string& names) {
     const wxSize room = window.GetClientSize();
     const wxPoint at = child->GetPosition();
     // Scrolled controls ask for more than they need; labels and buttons do not.
-    const bool shows_text = dynamic_cast<wxControl*>(child) != nullptr &&
-                            !child->GetLabel().empty() && !child->IsDoubleBuffered();
+    const bool shows_text =
+        dynamic_cast<wxControl*>(child) != nullptr && !child->GetLabel().empty();
     const bool too_small =
         shows_text && (has.GetWidth() < needed.GetWidth() || has.GetHeight() < needed.GetHeight());
     const bool outside = at.x < 0 || at.y < 0 || at.x + has.GetWidth() > room.GetWidth() ||
@@ -161,6 +161,7 @@ void TakePicture(wxTopLevelWindow& form, const std::string& name) {
   wxBitmap picture(at.GetSize());
   wxMemoryDC memory(picture);
   wxScreenDC screen;
+  ForgetPictureOfScreen(screen.GetImpl()->GetCairoContext());
   memory.Blit(wxPoint(0, 0), at.GetSize(), &screen, at.GetPosition());
   memory.SelectObject(wxNullBitmap);
   if (!wxImage::FindHandler(wxBITMAP_TYPE_PNG)) wxImage::AddHandler(new wxPNGHandler);

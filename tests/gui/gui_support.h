@@ -76,6 +76,15 @@ int WhileModal(wxDialog& dialog, const std::function<int()>& show,
 // and lies within its parent; the names of those that do not, one per line.
 std::string ClippedControls(wxWindow& window);
 
+// The text of the tooltip that is on the screen; empty when there is none.
+std::string ShownTooltip();
+
+// What a screen reader announces for what has the focus in `form`.
+std::string NameOfFocus(wxTopLevelWindow& form);
+
+// The toolkit keeps the picture of the screen that it read once; after this it reads it anew.
+void ForgetPictureOfScreen(void* cairo_context);
+
 // Saves what is on the screen where `form` stands as a PNG file in the folder that SCREENSHOTS
 // names; does nothing when it is unset.
 void TakePicture(wxTopLevelWindow& form, const std::string& name);

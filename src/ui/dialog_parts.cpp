@@ -1,0 +1,121 @@
+#include "ui/dialog_parts.h"
+
+#include <wx/settings.h>
+
+#include <algorithm>
+
+#include "ui/form_pictures.h"
+
+namespace txs {
+namespace {
+
+constexpr int kGapDip = 8;
+// What the list leaves free on both sides of a text.
+constexpr int kCellMarginDip = 8;
+
+wxString CutOffText(const wxListView& list, const wxPoint& at) {
+  int flags = 0;
+  const long row = list.HitTest(at, flags);
+  if (row == wxNOT_FOUND) return {};
+  int left = -list.GetScrollPos(wxHORIZONTAL);
+  for (int column = 0; column < list.GetColumnCount(); ++column) {
+    const int right = left + list.GetColumnWidth(column);
+    if (at.x >= left && at.x < right) {
+      const wxString text = list.GetItemText(row, column);
+      const int visible = std::min(right, list.GetClientSize().GetWidth()) - std::max(left, 0);
+      const int needed = list.GetTextExtent(text).GetWidth() + list.FromDIP(kCellMarginDip);
+      return needed > visible ? text : wxString();
+    }
+    left = right;
+  }
+  return {};
+}
+
+}  // namespace
+
+void OfferHelp(wxDialog& dialog, Application& application, HelpViewer& help) {
+  dialog.Bind(wxEVT_CHAR_HOOK, [&application, &help](wxKeyEvent& event) {
+    if (event.GetKeyCode() != WXK_F1 || event.HasAnyModifiers()) {
+      event.Skip();
+      return;
+    }
+    ShowHelp(application, help, kHelpContents);
+  });
+  dialog.Bind(
+      wxEVT_BUTTON,
+      [&application, &help](wxCommandEvent&) { ShowHelp(application, help, kHelpContents); },
+      wxID_HELP);
+}
+
+wxButton& AddDialogButton(wxDialog& dialog, FormCaptions& captions, wxWindowID id, const char* name,
+                          long caption) {
+  auto* const button = new wxButton(&dialog, id);
+  button->SetName(name);
+  captions.Add(*button, caption);
+  if (id == wxID_OK) button->SetDefault();
+  return *button;
+}
+
+void FinishDialog(wxDialog& dialog, wxSizer* content, wxStdDialogButtonSizer* buttons) {
+  const int gap = dialog.FromDIP(kGapDip);
+  buttons->Realize();
+  auto* const rows = new wxBoxSizer(wxVERTICAL);
+  rows->Add(content, wxSizerFlags(1).Expand().Border(wxALL, gap));
+  rows->Add(buttons, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, gap));
+  dialog.SetSizerAndFit(rows);
+  dialog.SetIcons(ApplicationIcons());
+  dialog.CentreOnParent();
+}
+
+void AddColumn(wxListView& list, FormCaptions& captions, long id) {
+  const long column = list.AppendColumn(wxEmptyString);
+  captions.Add(id, [&list, column](const wxString& text) {
+    wxListItem header;
+    header.SetMask(wxLIST_MASK_TEXT);
+    header.SetText(text);
+    list.SetColumn(static_cast<int>(column), header);
+  });
+}
+
+void FitColumns(wxListView& list) {
+  for (int column = 0; column < list.GetColumnCount(); ++column) {
+    list.SetColumnWidth(column, wxLIST_AUTOSIZE_USEHEADER);
+  }
+}
+
+void KeepLastColumnFilling(wxListView& list) {
+  list.Bind(wxEVT_SIZE, [&list](wxSizeEvent& event) {
+    event.Skip();
+    const int last = list.GetColumnCount() - 1;
+    // The list has its new size once it has seen the event itself.
+    if (last >= 0) {
+      list.CallAfter([&list, last] { list.SetColumnWidth(last, wxLIST_AUTOSIZE_USEHEADER); });
+    }
+  });
+}
+
+int NeededWidth(wxListView& list) {
+  int needed = wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, &list);
+  for (int column = 0; column < list.GetColumnCount(); ++column) {
+    // The last column would be stretched by the other mode.
+    list.SetColumnWidth(column, wxLIST_AUTOSIZE);
+    needed += list.GetColumnWidth(column);
+  }
+  FitColumns(list);
+  return needed;
+}
+
+void TipCutOffTexts(wxListView& list) {
+  list.Bind(wxEVT_MOTION, [&list](wxMouseEvent& event) {
+    event.Skip();
+    const wxString tip = CutOffText(list, event.GetPosition());
+    if (tip == list.GetToolTipText()) return;
+    if (tip.empty()) {
+      list.UnsetToolTip();
+    } else {
+      list.SetToolTip(tip);
+    }
+  });
+}
+
+}  // namespace txs

@@ -1,0 +1,39 @@
+// What the dialogs have in common.
+#pragma once
+
+#include <wx/button.h>
+#include <wx/dialog.h>
+#include <wx/listctrl.h>
+#include <wx/sizer.h>
+
+#include "document/application.h"
+#include "ui/form_captions.h"
+#include "ui/help.h"
+
+namespace txs {
+
+// F1, wherever the focus is, and the button wxID_HELP, where there is one, open the help file.
+void OfferHelp(wxDialog& dialog, Application& application, HelpViewer& help);
+
+// A button of the row at the bottom; the one of wxID_OK is the default button.
+wxButton& AddDialogButton(wxDialog& dialog, FormCaptions& captions, wxWindowID id, const char* name,
+                          long caption);
+
+// Puts `content` above the row of buttons, gives the dialog the size that both need as its minimum,
+// the program's icon, and its place in the middle of its parent. Call it after captions are set.
+void FinishDialog(wxDialog& dialog, wxSizer* content, wxStdDialogButtonSizer* buttons);
+
+// A column of a report list, with its caption from the string table.
+void AddColumn(wxListView& list, FormCaptions& captions, long id);
+
+// Every column as wide as its contents and its header need; the last one takes what is left of the
+// list, again when the list's size changes.
+void FitColumns(wxListView& list);
+void KeepLastColumnFilling(wxListView& list);
+// What the columns take together when none is stretched.
+[[nodiscard]] int NeededWidth(wxListView& list);
+
+// A text that its column cuts off is shown as a tip while the pointer is over it.
+void TipCutOffTexts(wxListView& list);
+
+}  // namespace txs
