@@ -61,7 +61,7 @@ void DocumentBox::OnLeave() {
 
 wxStaticText* FormParts::AddLabel(wxWindow* parent, long id) {
   auto* const label = new wxStaticText(parent, wxID_ANY, wxString());
-  captions.Add(*label, id);
+  captions_.Add(*label, id);
   return label;
 }
 
@@ -72,17 +72,17 @@ void FormParts::Announce(wxWindow* target, std::function<wxString()> name) {
 wxStaticBox* FormParts::AddFrame(wxWindow* parent, const std::string& name, long id) {
   auto* const frame = new wxStaticBox(parent, wxID_ANY, wxString());
   frame->SetName(ToWx(name));
-  captions.Add(*frame, id);
+  captions_.Add(*frame, id);
   return frame;
 }
 
 wxButton* FormParts::AddButton(wxWindow* parent, const std::string& name, long id,
                                std::function<void()> pressed) {
   // A button without a text would be taken for one of the toolkit's own.
-  auto* const button = new wxButton(parent, wxID_ANY, ToWx(application.texts.GetText(id)));
+  auto* const button = new wxButton(parent, wxID_ANY, ToWx(application_.texts.GetText(id)));
   button->SetName(ToWx(name));
   button->Bind(wxEVT_BUTTON, [pressed = std::move(pressed)](wxCommandEvent&) { pressed(); });
-  captions.Add(*button, id);
+  captions_.Add(*button, id);
   return button;
 }
 
@@ -92,18 +92,18 @@ wxCheckBox* FormParts::AddCheckBox(wxWindow* parent, const std::string& name, lo
   box->SetName(ToWx(name));
   box->Bind(wxEVT_CHECKBOX,
             [clicked = std::move(clicked)](wxCommandEvent& event) { clicked(event.IsChecked()); });
-  captions.Add(*box, id);
+  captions_.Add(*box, id);
   return box;
 }
 
 DocumentBox* FormParts::AddBox(wxWindow* parent, const std::string& name) {
-  auto* const box = new DocumentBox(parent, FindTextBox(name), application, presenter);
+  auto* const box = new DocumentBox(parent, FindTextBox(name), application_, presenter_);
   boxes_.push_back(box);
   return box;
 }
 
 void FormParts::ShowCaptions() {
-  LoadCaptions(captions, application.texts);
+  LoadCaptions(captions_, application_.texts);
   for (const Tied& tied : tied_) LabelFor(*tied.label, *tied.target);
   for (const Announced& announced : announced_) {
     SetAccessibleName(*announced.target, announced.name());

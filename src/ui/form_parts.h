@@ -47,7 +47,11 @@ void ShowCutText(wxTextCtrl& box);
 class FormParts {
  public:
   FormParts(Application& application, SetupWizardPresenter& presenter, FormCaptions& captions)
-      : application(application), presenter(presenter), captions(captions) {}
+      : application_(application), presenter_(presenter), captions_(captions) {}
+
+  [[nodiscard]] Application& App() const { return application_; }
+  [[nodiscard]] SetupWizardPresenter& Presenter() const { return presenter_; }
+  [[nodiscard]] FormCaptions& Captions() const { return captions_; }
 
   // An explanation or a heading.
   wxStaticText* AddLabel(wxWindow* parent, long id);
@@ -69,10 +73,6 @@ class FormParts {
   // Takes all text boxes from the document anew.
   void ShowBoxes();
 
-  Application& application;
-  SetupWizardPresenter& presenter;
-  FormCaptions& captions;
-
  private:
   struct Tied {
     wxStaticText* label;
@@ -83,6 +83,9 @@ class FormParts {
     std::function<wxString()> name;
   };
 
+  Application& application_;
+  SetupWizardPresenter& presenter_;
+  FormCaptions& captions_;
   std::vector<Tied> tied_;
   std::vector<Announced> announced_;
   std::vector<DocumentBox*> boxes_;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <string>
 
+#include "ui/dialog_parts.h"
 #include "ui/label_for.h"
 #include "ui/wx_text.h"
 
@@ -67,22 +68,17 @@ wxSizer* StepDirectoriesPage::AddUserDirectories() {
                          wxLC_REPORT | wxLC_SINGLE_SEL);
   list_->SetName("lvwUserDirectories");
   rows_ = RowsOf(*list_);
-  for (int column = 0; column <= kDirectory; ++column) {
-    list_->AppendColumn(wxString(), wxLIST_FORMAT_LEFT, FromDIP(120));
-    parts_.captions.Add(column == 0 ? kNameColumn : kDirectoryColumn,
-                        [this, column](const wxString& text) {
-                          wxListItem item;
-                          item.SetText(text);
-                          list_->SetColumn(column, item);
-                        });
-  }
+  AddColumn(*list_, parts_.Captions(), kNameColumn);
+  AddColumn(*list_, parts_.Captions(), kDirectoryColumn);
+  KeepLastColumnFilling(*list_);
+  TipCutOffTexts(*list_);
   parts_.Tie(label, rows_);
   delete_ = parts_.AddButton(this, "cmdDeleteUserDir", kDelete, [this] { DeleteDirectory(); });
   rename_ = parts_.AddButton(this, "cmdRenameUserDir", kRename, [this] { BeginRename(); });
   text_ = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
                          wxTE_PROCESS_ENTER);
   text_->SetName("txtUserDirectory");
-  parts_.captions.Add(kNewDirectory, [this](const wxString& text) { text_->SetHint(text); });
+  parts_.Captions().Add(kNewDirectory, [this](const wxString& text) { text_->SetHint(text); });
   parts_.Announce(text_, [this] { return text_->GetHint(); });
   add_ = parts_.AddButton(this, "cmdAddUserDir", kAdd, [this] { AddDirectory(); });
   edit_ = new wxTextCtrl(rows_, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
@@ -130,14 +126,9 @@ void StepDirectoriesPage::BindList() {
     TakeRename();
     event.Skip();
   });
-  list_->Bind(wxEVT_LIST_COL_END_DRAG, [this](wxListEvent& event) {
-    CallAfter([this] { FillLastColumn(); });
-    event.Skip();
-  });
   list_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     TakeRename();
     event.Skip();
-    CallAfter([this] { FillLastColumn(); });
   });
   const auto take_on_scroll = [this](wxScrollWinEvent& event) {
     TakeRename();
@@ -148,15 +139,11 @@ void StepDirectoriesPage::BindList() {
                            wxEVT_SCROLLWIN_PAGEDOWN, wxEVT_SCROLLWIN_THUMBTRACK}) {
     rows_->Bind(type, take_on_scroll);
   }
-  rows_->Bind(wxEVT_MOTION, [this](wxMouseEvent& event) {
-    ShowCutDirectory(event.GetPosition());
-    event.Skip();
-  });
 }
 
 void StepDirectoriesPage::BindEditBoxes() {
   text_->Bind(wxEVT_TEXT, [this](wxCommandEvent&) {
-    parts_.presenter.LooseTextEdited();
+    parts_.Presenter().LooseTextEdited();
     EnableButtons();
     ShowCutText(*text_);
   });
@@ -165,7 +152,7 @@ void StepDirectoriesPage::BindEditBoxes() {
     LeaveUserDirectory();
     event.Skip();
   });
-  edit_->Bind(wxEVT_TEXT, [this](wxCommandEvent&) { parts_.presenter.LooseTextEdited(); });
+  edit_->Bind(wxEVT_TEXT, [this](wxCommandEvent&) { parts_.Presenter().LooseTextEdited(); });
   edit_->Bind(wxEVT_TEXT_ENTER, [this](wxCommandEvent&) {
     TakeRename();
     rows_->SetFocus();
@@ -198,7 +185,7 @@ void StepDirectoriesPage::ShowUserDirectories() {
   if (selected && *selected < numbers_.size()) number = numbers_[*selected];
   numbers_.clear();
   list_->DeleteAllItems();
-  for (const UserDirectory& row : parts_.application.document.steps.user_directories) {
+  for (const UserDirectory& row : parts_.App().document.steps.user_directories) {
     const long index = list_->InsertItem(list_->GetItemCount(),
                                          ToWx("<UserDir" + std::to_string(row.number) + ">"));
     list_->SetItem(index, kDirectory, ToWx(row.directory));
@@ -208,6 +195,7 @@ void StepDirectoriesPage::ShowUserDirectories() {
       list_->Select(index);
     }
   }
+  FitColumns(*list_);
   EnableButtons();
 }
 
@@ -224,27 +212,9 @@ void StepDirectoriesPage::EnableButtons() {
   add_->Enable(!text_->IsEmpty());
 }
 
-void StepDirectoriesPage::FillLastColumn() {
-  const int room = list_->GetClientSize().GetWidth() - list_->GetColumnWidth(0);
-  list_->SetColumnWidth(kDirectory, std::max(room, FromDIP(120)));
-}
-
-void StepDirectoriesPage::ShowCutDirectory(const wxPoint& in_rows) {
-  int flags = 0;
-  const long row = list_->HitTest(list_->ScreenToClient(rows_->ClientToScreen(in_rows)), flags);
-  wxString text;
-  if (row >= 0) text = list_->GetItemText(row, kDirectory);
-  const int room = list_->GetColumnWidth(kDirectory) - FromDIP(12);
-  if (text.empty() || list_->GetTextExtent(text).GetWidth() <= room) {
-    if (rows_->GetToolTip() != nullptr) rows_->UnsetToolTip();
-  } else if (rows_->GetToolTipText() != text) {
-    rows_->SetToolTip(text);
-  }
-}
-
 void StepDirectoriesPage::AddDirectory() {
   LeaveUserDirectory();
-  if (text_->IsEmpty() || !parts_.presenter.AddUserDirectory(FromWx(text_->GetValue()))) return;
+  if (text_->IsEmpty() || !parts_.Presenter().AddUserDirectory(FromWx(text_->GetValue()))) return;
   text_->ChangeValue(wxString());
   EnableButtons();
   list_->EnsureVisible(list_->GetItemCount() - 1);
@@ -254,7 +224,7 @@ void StepDirectoriesPage::AddDirectory() {
 void StepDirectoriesPage::DeleteDirectory() {
   const std::optional<std::size_t> selected = Selected();
   if (!selected) return;
-  parts_.presenter.DeleteUserDirectory(*selected);
+  parts_.Presenter().DeleteUserDirectory(*selected);
   // The keyboard goes on at the row that followed, which is not selected: a second press of Delete
   // must not take it unasked.
   const long following = std::min(static_cast<long>(*selected), list_->GetItemCount() - 1L);
@@ -264,7 +234,7 @@ void StepDirectoriesPage::DeleteDirectory() {
 
 void StepDirectoriesPage::BeginRename() {
   const std::optional<std::size_t> selected = Selected();
-  const std::vector<UserDirectory>& rows = parts_.application.document.steps.user_directories;
+  const std::vector<UserDirectory>& rows = parts_.App().document.steps.user_directories;
   if (!selected || *selected >= rows.size()) return;
   const long row = static_cast<long>(*selected);
   list_->EnsureVisible(row);
@@ -284,7 +254,7 @@ void StepDirectoriesPage::TakeRename() {
   const std::size_t row = *renamed_;
   const std::string text = FromWx(edit_->GetValue());
   DropRename();
-  parts_.presenter.RenameUserDirectory(row, text);
+  parts_.Presenter().RenameUserDirectory(row, text);
 }
 
 void StepDirectoriesPage::DropRename() {
@@ -295,7 +265,7 @@ void StepDirectoriesPage::DropRename() {
 }
 
 void StepDirectoriesPage::LeaveUserDirectory() {
-  const wxString text = ToWx(parts_.presenter.LeaveDirectory(FromWx(text_->GetValue())));
+  const wxString text = ToWx(parts_.Presenter().LeaveDirectory(FromWx(text_->GetValue())));
   if (text != text_->GetValue()) text_->ChangeValue(text);
   EnableButtons();
 }

@@ -35,8 +35,6 @@ class StepDirectoriesPage : public wxPanel {
   // Index of the selected row.
   [[nodiscard]] std::optional<std::size_t> Selected() const;
   void EnableButtons();
-  void FillLastColumn();
-  void ShowCutDirectory(const wxPoint& in_rows);
 
   void AddDirectory();
   void DeleteDirectory();

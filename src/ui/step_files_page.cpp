@@ -28,13 +28,13 @@ StepFilesPage::StepFilesPage(wxWindow* parent, FormParts& parts) : wxPanel(paren
     rows->Add(parts.AddLabel(this, id), wxSizerFlags().Border(wxBOTTOM, FromDIP(4)));
   }
 
-  scan_ = parts.AddButton(this, "cmdScan", kScan, [&parts] { parts.presenter.Scan(); });
-  add_ = parts.AddButton(this, "cmdAddFile", kAdd, [&parts] { parts.presenter.AddFiles(); });
+  scan_ = parts.AddButton(this, "cmdScan", kScan, [&parts] { parts.Presenter().Scan(); });
+  add_ = parts.AddButton(this, "cmdAddFile", kAdd, [&parts] { parts.Presenter().AddFiles(); });
   delete_ = parts.AddButton(this, "cmdDeleteFile", kDelete, [this] { DeleteSelected(); });
   // Their captions have no access keys; the tips name the keys that stand in for them.
-  parts.captions.Add(kScanTip, [this](const wxString& text) { scan_->SetToolTip(text); });
-  parts.captions.Add(kAddTip, [this](const wxString& text) { add_->SetToolTip(text); });
-  parts.captions.Add(kDeleteTip, [this](const wxString& text) { delete_->SetToolTip(text); });
+  parts.Captions().Add(kScanTip, [this](const wxString& text) { scan_->SetToolTip(text); });
+  parts.Captions().Add(kAddTip, [this](const wxString& text) { add_->SetToolTip(text); });
+  parts.Captions().Add(kDeleteTip, [this](const wxString& text) { delete_->SetToolTip(text); });
   auto* const buttons = new wxBoxSizer(wxHORIZONTAL);
   buttons->Add(scan_);
   buttons->Add(add_, wxSizerFlags().Border(wxLEFT, FromDIP(8)));
@@ -43,19 +43,18 @@ StepFilesPage::StepFilesPage(wxWindow* parent, FormParts& parts) : wxPanel(paren
 
   FileGrid::Events events;
   events.edited = [&parts](std::size_t row, FileColumn column, const std::string& text) {
-    parts.presenter.EditCell(row, column, text);
+    parts.Presenter().EditCell(row, column, text);
   };
   events.selection_changed = [this] { EnableButtons(); };
   events.delete_pressed = [this] { DeleteSelected(); };
   events.files_dropped = [this](const std::vector<std::string>& host_paths) {
     AddDropped(host_paths);
   };
-  grid_ = new FileGrid(this, parts.application.document.files, std::move(events));
+  grid_ = new FileGrid(this, parts.App().document.files, std::move(events));
   grid_->SetName("grdFiles");
-  grid_->SetColumnCaptions(FileColumnCaptions(parts.application.texts));
+  grid_->SetColumnCaptions(FileColumnCaptions(parts.App().texts));
   grid_->SetMinSize(FromDIP(wxSize(400, 160)));
-  parts.Announce(grid_,
-                 [&parts] { return ToWx(parts.application.texts.GetText(kFilesToInstall)); });
+  parts.Announce(grid_, [&parts] { return ToWx(parts.App().texts.GetText(kFilesToInstall)); });
   rows->Add(grid_, wxSizerFlags(1).Expand().Border(wxTOP, FromDIP(8)));
 
   hint_ = parts.AddLabel(this, kEmptyList);
@@ -68,25 +67,25 @@ StepFilesPage::StepFilesPage(wxWindow* parent, FormParts& parts) : wxPanel(paren
 }
 
 wxWindow* StepFilesPage::FirstControl() const {
-  return parts_.application.document.files.RowCount() == 0 ? static_cast<wxWindow*>(scan_) : grid_;
+  return parts_.App().document.files.RowCount() == 0 ? static_cast<wxWindow*>(scan_) : grid_;
 }
 
 void StepFilesPage::ShowDocument() {
-  grid_->SelectRows({});
+  grid_->ResetRows();
   RefreshFileList();
 }
 
 void StepFilesPage::RefreshFileList() {
   grid_->RefreshRows();
-  hint_->Show(parts_.application.document.files.RowCount() == 0);
+  hint_->Show(parts_.App().document.files.RowCount() == 0);
   EnableButtons();
 }
 
 bool StepFilesPage::TakeKey(int key_code) {
   if (key_code == WXK_F5) {
-    parts_.presenter.Scan();
+    parts_.Presenter().Scan();
   } else if (key_code == WXK_INSERT || key_code == WXK_NUMPAD_INSERT) {
-    parts_.presenter.AddFiles();
+    parts_.Presenter().AddFiles();
   } else {
     return false;
   }
@@ -98,15 +97,15 @@ void StepFilesPage::EnableButtons() { delete_->Enable(!grid_->SelectedRows().emp
 void StepFilesPage::DeleteSelected() {
   const std::vector<std::size_t> rows = grid_->SelectedRows();
   if (rows.empty()) return;
-  parts_.presenter.DeleteRows(rows);
+  parts_.Presenter().DeleteRows(rows);
   // The button that had the focus may be disabled by now.
   FirstControl()->SetFocus();
 }
 
 void StepFilesPage::AddDropped(const std::vector<std::string>& host_paths) {
-  if (parts_.presenter.IsRunning()) return;
-  const std::vector<std::string> paths = WindowsPaths(parts_.application, host_paths);
-  if (!paths.empty()) parts_.presenter.AddFiles(paths);
+  if (parts_.Presenter().IsRunning()) return;
+  const std::vector<std::string> paths = WindowsPaths(parts_.App(), host_paths);
+  if (!paths.empty()) parts_.Presenter().AddFiles(paths);
 }
 
 }  // namespace txs

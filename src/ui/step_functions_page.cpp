@@ -23,9 +23,9 @@ StepFunctionsPage::StepFunctionsPage(wxWindow* parent, FormParts& parts)
       nothing_(parts.AddLabel(this, kNothing)),
       dao_frame_(parts.AddFrame(this, "fraDAO", kDaoWorkspaces)),
       jet_(parts.AddCheckBox(dao_frame_, "chkVB5dbUseJet", kJet,
-                             [&parts](bool checked) { parts.presenter.SetUseJet(checked); })),
+                             [&parts](bool checked) { parts.Presenter().SetUseJet(checked); })),
       odbc_(parts.AddCheckBox(dao_frame_, "chkVB5dbUseODBC", kOdbc,
-                              [&parts](bool checked) { parts.presenter.SetUseOdbc(checked); })),
+                              [&parts](bool checked) { parts.Presenter().SetUseOdbc(checked); })),
       ado_(parts.AddCheckBox(this, "chkADO", kAdo, [](bool) {})) {
   choose_->SetName("lblChooseFunctions");
   nothing_->SetName("lblNoFunctions");
@@ -47,7 +47,7 @@ wxWindow* StepFunctionsPage::FirstControl() const {
 }
 
 void StepFunctionsPage::ShowDocument() {
-  const StepSettings& steps = parts_.application.document.steps;
+  const StepSettings& steps = parts_.App().document.steps;
   const FunctionFrames frames = FramesOf(steps.designer);
   choose_->Show(!frames.nothing);
   nothing_->Show(frames.nothing);
@@ -55,7 +55,7 @@ void StepFunctionsPage::ShowDocument() {
   jet_->Show(frames.dao);
   odbc_->Show(frames.dao);
   ado_->Show(frames.ado);
-  const bool enabled = TypeDependentControlsEnabled(parts_.application.project.type);
+  const bool enabled = TypeDependentControlsEnabled(parts_.App().project.type);
   jet_->Enable(enabled);
   odbc_->Enable(enabled);
   // The setup engine cannot install it.

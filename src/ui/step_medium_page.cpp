@@ -36,7 +36,7 @@ StepMediumPage::StepMediumPage(wxWindow* parent, FormParts& parts)
   rows->Add(AddOptimisation(), wxSizerFlags().Expand().Border(wxTOP, FromDIP(12)));
   rows->AddStretchSpacer();
   wxButton* const create =
-      parts.AddButton(this, "cmdCreateSetup", kCreate, [&parts] { parts.presenter.Create(); });
+      parts.AddButton(this, "cmdCreateSetup", kCreate, [&parts] { parts.Presenter().Create(); });
   rows->Add(create, wxSizerFlags().Right().Border(wxTOP, FromDIP(12)));
   auto* const outer = new wxBoxSizer(wxVERTICAL);
   outer->Add(rows, wxSizerFlags(1).Expand().Border(wxALL, FromDIP(12)));
@@ -51,9 +51,9 @@ wxSizer* StepMediumPage::AddMedium() {
                                            wxDefaultSize, index == 0 ? wxRB_GROUP : 0);
     option->SetName("optDiskSize" + std::to_string(index));
     option->Bind(wxEVT_RADIOBUTTON, [this, index](wxCommandEvent&) {
-      parts_.presenter.SetDiskSize(static_cast<long>(index));
+      parts_.Presenter().SetDiskSize(static_cast<long>(index));
     });
-    parts_.captions.Add(*option, kFirstSize + static_cast<long>(index));
+    parts_.Captions().Add(*option, kFirstSize + static_cast<long>(index));
     medium->Add(option, wxSizerFlags().Border(wxLEFT | wxRIGHT | wxTOP, FromDIP(8)));
     sizes_.at(index) = option;
   }
@@ -101,10 +101,10 @@ wxSizer* StepMediumPage::AddOptimisation() {
   wxStaticBox* const frame = parts_.AddFrame(this, "fraOptimisation", kOptimisation);
   auto* const optimisation = new wxStaticBoxSizer(frame, wxVERTICAL);
   minimal_mdac_ = parts_.AddCheckBox(frame, "chkMinimalMDAC", kMinimalMdac, [this](bool checked) {
-    parts_.presenter.SetMinimalMdac(checked);
+    parts_.Presenter().SetMinimalMdac(checked);
   });
   service_pack_ = parts_.AddCheckBox(frame, "chkServicePack", kServicePack, [this](bool checked) {
-    parts_.presenter.SetServicePack(checked);
+    parts_.Presenter().SetServicePack(checked);
   });
   optimisation->Add(minimal_mdac_, wxSizerFlags().Border(wxALL, FromDIP(8)));
   optimisation->Add(service_pack_, wxSizerFlags().Border(wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(8)));
@@ -116,7 +116,7 @@ wxWindow* StepMediumPage::FirstControl() const {
 }
 
 void StepMediumPage::ShowDocument() {
-  const StepSettings& steps = parts_.application.document.steps;
+  const StepSettings& steps = parts_.App().document.steps;
   sizes_.at(steps.disk_size_index == 1 ? 1 : 0)->SetValue(true);
   minimal_mdac_->SetValue(steps.minimal_mdac);
   service_pack_->SetValue(steps.service_pack);
@@ -124,7 +124,7 @@ void StepMediumPage::ShowDocument() {
 }
 
 void StepMediumPage::ShowFigures() {
-  const StepSettings& steps = parts_.application.document.steps;
+  const StepSettings& steps = parts_.App().document.steps;
   count_->SetLabel(ToWx(steps.file_count_label));
   bytes_->SetLabel(ToWx(steps.total_bytes_label));
   disks_->SetLabel(ToWx(steps.disks_needed_label));
@@ -133,7 +133,7 @@ void StepMediumPage::ShowFigures() {
 
 void StepMediumPage::BrowseDirectory() {
   const std::optional<std::string> chosen =
-      AskForSetupDirectory(this, parts_.application, FromWx(directory_->GetValue()));
+      AskForSetupDirectory(this, parts_.App(), FromWx(directory_->GetValue()));
   if (chosen) directory_->SetValue(ToWx(*chosen));
 }
 

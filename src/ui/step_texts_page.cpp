@@ -44,7 +44,7 @@ void StepTextsPage::AddLanguage(FormParts& parts, int language, long caption) {
   auto* const page = new wxPanel(tab_language_);
   const std::size_t index = tab_language_->GetPageCount();
   tab_language_->AddPage(page, wxString());
-  parts.captions.Add(caption, [this, index](const wxString& text) {
+  parts.Captions().Add(caption, [this, index](const wxString& text) {
     // Tabs have no access keys of their own: the form hands them to TakeAccessKey.
     tab_language_->SetPageText(index, wxControl::RemoveMnemonics(text));
     access_keys_.at(index) = AccessKey(text);
@@ -87,7 +87,7 @@ void StepTextsPage::AddLanguage(FormParts& parts, int language, long caption) {
   parts.Tie(picture_label, picture);
   wxButton* const browse =
       parts.AddButton(page, "cmdBrowsePicture" + number, kBrowse, [&parts, picture] {
-        const std::string chosen = parts.presenter.BrowsePicture(picture->Box());
+        const std::string chosen = parts.Presenter().BrowsePicture(picture->Box());
         if (!chosen.empty()) picture->SetValue(ToWx(chosen));
       });
   auto* const row = new wxBoxSizer(wxHORIZONTAL);
