@@ -47,6 +47,11 @@ def message_title(language, number):
     return text(language, 900, number)
 
 
+def access_key(language, number):
+    """The key that a caption marks, as xdotool names it."""
+    return "alt+" + re.search("&(.)", text(language, number))[1].lower()
+
+
 class SessionError(AssertionError):
     """The program did not get where it should within PATIENCE_SECONDS."""
 
@@ -100,6 +105,34 @@ class Wizard:
         self.errors.seek(0)
         return self.errors.read().decode(errors="replace")
 
+    def size(self):
+        """Width and height of the active window, without its frame."""
+        geometry = _geometry(_xdotool("getactivewindow"))
+        return geometry["WIDTH"], geometry["HEIGHT"]
+
+    def resize(self, width, height):
+        _xdotool("getactivewindow", "windowsize", str(width), str(height))
+        self._poll(lambda: self.size() == (width, height), f"the window to be {width}x{height}")
+        self.settle()
+
+    def take_picture(self, path):
+        """Saves the active window with its frame as a PNG file."""
+        window = _xdotool("getactivewindow")
+        # Left, right, top, bottom.
+        extents = subprocess.run(
+            ["xprop", "-id", window, "_NET_FRAME_EXTENTS"], stdout=subprocess.PIPE, check=True
+        ).stdout.decode()
+        left, right, top, bottom = map(int, re.findall(r"\d+", extents.partition("=")[2]))
+        at = _geometry(window)
+        crop = (
+            f"{at['WIDTH'] + left + right}x{at['HEIGHT'] + top + bottom}"
+            f"+{at['X'] - left}+{at['Y'] - top}"
+        )
+        subprocess.run(
+            ["import", "-silent", "-window", "root", "-crop", crop, "+repage", str(path)],
+            check=True,
+        )
+
     # --- Keys
 
     def press(self, *keys):
@@ -142,6 +175,16 @@ class Wizard:
                     f"exit code {self.process.poll()}, said:\n{self.said()}"
                 )
             time.sleep(POLL_SECONDS)
+
+
+def _xdotool(*command):
+    result = subprocess.run(["xdotool", *command], stdout=subprocess.PIPE, check=True)
+    return result.stdout.decode().strip()
+
+
+def _geometry(window):
+    lines = _xdotool("getwindowgeometry", "--shell", window).splitlines()
+    return {name: int(value) for name, _, value in (line.partition("=") for line in lines)}
 
 
 def active_title():
