@@ -52,11 +52,11 @@ def take_all(language, suffix, studio):
         wizard.press("alt+5")
         take("step-5")
         wizard.press(access_key(language, 1511))
-        wizard.wait_for_text(400)
-        take("create")
-        wizard.press("Return")
         wizard.wait_for_text(300)
         take("take-note")
+        wizard.press("Return")
+        wizard.wait_for_text(400)
+        take("create")
 
 
 def main():

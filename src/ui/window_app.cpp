@@ -7,6 +7,8 @@
 #include <exception>
 #include <iostream>
 
+#include "ui/toolkit_messages.h"
+
 namespace txs {
 
 bool WindowApp::OnInit() {
@@ -49,6 +51,7 @@ WindowApp* ConnectToDisplay() {
   // process.
   auto* const app = new WindowApp;
   wxApp::SetInstance(app);
+  DropSizeComplaints();
   // The toolkit gets the name by which window managers know the program, and no argument: it would
   // take those that it knows for its own.
   static std::array<char, sizeof("TXSetupWizard")> name = {"TXSetupWizard"};

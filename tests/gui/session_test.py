@@ -81,16 +81,17 @@ class Session(unittest.TestCase):
         wizard.wait_for_text(700)
         wizard.press("Return")
         wizard.wait_for_text(1001, PROJECT)
-        wizard.press("Home", "Right", "F2", "ctrl+a")
+        # From the button over the other one to the list.
+        wizard.press("Tab", "Tab", "Home", "Right", "F2", "ctrl+a")
         wizard.type(DESTINATION)
         wizard.press("Return")
 
     def create(self, wizard):
         """In step 5: Create, and the two windows at its end."""
         wizard.press(access_key(self.language, 1511))
-        wizard.wait_for_text(400)
-        wizard.press("Return")
         wizard.wait_for_text(300)
+        wizard.press("Return")
+        wizard.wait_for_text(400)
         wizard.press("Return")
         wizard.wait_for_text(1001, PROJECT)
 

@@ -107,8 +107,7 @@ class Wizard:
 
     def size(self):
         """Width and height of the active window, without its frame."""
-        geometry = _geometry(_xdotool("getactivewindow"))
-        return geometry["WIDTH"], geometry["HEIGHT"]
+        return tuple(_geometry(_xdotool("getactivewindow"))[2:])
 
     def resize(self, width, height):
         _xdotool("getactivewindow", "windowsize", str(width), str(height))
@@ -123,11 +122,8 @@ class Wizard:
             ["xprop", "-id", window, "_NET_FRAME_EXTENTS"], stdout=subprocess.PIPE, check=True
         ).stdout.decode()
         left, right, top, bottom = map(int, re.findall(r"\d+", extents.partition("=")[2]))
-        at = _geometry(window)
-        crop = (
-            f"{at['WIDTH'] + left + right}x{at['HEIGHT'] + top + bottom}"
-            f"+{at['X'] - left}+{at['Y'] - top}"
-        )
+        x, y, width, height = _geometry(window)
+        crop = f"{width + left + right}x{height + top + bottom}+{x - left}+{y - top}"
         subprocess.run(
             ["import", "-silent", "-window", "root", "-crop", crop, "+repage", str(path)],
             check=True,
@@ -146,25 +142,20 @@ class Wizard:
         self.settle()
 
     def settle(self):
-        """Until the program has nothing left to do: its main thread sleeps, looked at three times
-        in a row. Key events that the server has taken are in its queue by then and wake it."""
-        seen = 0
-        end = time.monotonic() + PATIENCE_SECONDS
-        while seen < 3:
-            if self.process.poll() is not None:
-                return
-            seen = seen + 1 if self._sleeps() else 0
-            if time.monotonic() > end:
-                raise SessionError("the program never rests")
-            time.sleep(0.002)
+        """Until the program waits in its event loop, with nothing left to do. A key that xdotool has
+        sent is in its queue by then and wakes it."""
+        self._poll(lambda: self.process.poll() is not None or self._rests(), "the program to rest")
 
-    def _sleeps(self):
+    def _rests(self):
+        # Asleep in poll(2) or ppoll(2) on several files, without a timeout of zero, is the event
+        # loop: what waits for an answer of the window system waits on one file.
         try:
-            stat = pathlib.Path(f"/proc/{self.process.pid}/stat").read_bytes()
-        except FileNotFoundError:
+            call = pathlib.Path(f"/proc/{self.process.pid}/syscall").read_text().split()
+        except (FileNotFoundError, ProcessLookupError):
             return True
-        # The name in parentheses may hold blanks.
-        return stat.rpartition(b")")[2].split()[0] == b"S"
+        if call[0] not in ("7", "271"):
+            return False
+        return int(call[2], 16) >= 2 and int(call[3], 16) != 0
 
     def _poll(self, condition, what):
         end = time.monotonic() + PATIENCE_SECONDS
@@ -183,8 +174,14 @@ def _xdotool(*command):
 
 
 def _geometry(window):
-    lines = _xdotool("getwindowgeometry", "--shell", window).splitlines()
-    return {name: int(value) for name, _, value in (line.partition("=") for line in lines)}
+    """Left, top, width and height of a window on the screen, without its frame."""
+    described = subprocess.run(
+        ["xwininfo", "-id", window], stdout=subprocess.PIPE, check=True
+    ).stdout.decode()
+    return [
+        int(re.search(rf"^ *{name}: +(-?\d+)", described, re.MULTILINE)[1])
+        for name in ("Absolute upper-left X", "Absolute upper-left Y", "Width", "Height")
+    ]
 
 
 def active_title():
