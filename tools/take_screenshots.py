@@ -41,7 +41,6 @@ def take_all(language, suffix, studio):
         take("scan")
         wizard.press("Return")
         wizard.wait_for_text(1001, PROJECT)
-        take("step-4")
 
         wizard.press(access_key(language, 1030), access_key(language, 1031)[-1])
         wizard.wait_for_text(800)
@@ -57,6 +56,11 @@ def take_all(language, suffix, studio):
         wizard.press("Return")
         wizard.wait_for_text(400)
         take("create")
+        wizard.press("Return")
+        wizard.wait_for_text(1001, PROJECT)
+        # Now every column of the file list is filled.
+        wizard.press("alt+4")
+        take("step-4")
 
 
 def main():
