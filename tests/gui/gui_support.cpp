@@ -148,6 +148,12 @@ int WhileModal(wxDialog& dialog, const std::function<int()>& show,
   return result;
 }
 
+void EndUnlessHidden(wxDialog& dialog) {
+  const bool hidden = WaitFor([&] { return !dialog.IsShown(); });
+  EXPECT_TRUE(hidden) << "the dialog is still open";
+  if (!hidden) dialog.EndModal(wxID_ABORT);
+}
+
 std::string ClippedControls(wxWindow& window) {
   std::string names;
   CollectClipped(window, names);
