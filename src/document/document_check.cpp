@@ -62,18 +62,22 @@ MaybeFinding CheckDirectories(const StepSettings& steps, Finding& doing) {
   return std::nullopt;
 }
 
-// Takes every row's length and marks the rows whose file is not there. The stamp answers both
-// questions with one call, which counts when the files are many or lie on a server.
+// Whether the row's file is there. The stamp answers that and the length with one call, which
+// counts when the files are many or lie on a server.
+bool TakeLength(Application& application, FileRow& row) {
+  const std::optional<FileStamp> stamp = application.platform.files.Stamp(
+      FromVariableForm(application.document.path_variables, row.source));
+  row.length_bytes.reset();
+  if (stamp) row.length_bytes = stamp->length_bytes;
+  return stamp.has_value();
+}
+
+// Takes every row's length and marks the rows whose file is not there.
 bool MarkMissingFiles(Application& application) {
-  SetupDocument& document = application.document;
   bool complete = true;
-  for (FileRow* const row : document.AllRows()) {
-    const std::optional<FileStamp> stamp =
-        application.platform.files.Stamp(FromVariableForm(document.path_variables, row->source));
-    row->length_bytes.reset();
-    if (stamp) row->length_bytes = stamp->length_bytes;
-    row->marked = !stamp;
-    complete = complete && stamp;
+  for (FileRow* const row : application.document.AllRows()) {
+    row->marked = !TakeLength(application, *row);
+    complete = complete && !row->marked;
   }
   return complete;
 }
@@ -135,6 +139,17 @@ bool CheckDocument(Application& application, Step step) {
               RuntimeError(ErrorNumber::kInternal, error.what()));
   }
   return false;
+}
+
+void MeasureFiles(Application& application) {
+  for (FileRow* const row : application.document.AllRows()) {
+    try {
+      static_cast<void>(TakeLength(application, *row));
+    } catch (const RuntimeError&) {
+      row->length_bytes.reset();  // The check of the files says what is wrong.
+    }
+  }
+  RefreshFigures(application);
 }
 
 void RefreshFigures(Application& application) {

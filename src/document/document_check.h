@@ -22,6 +22,11 @@ enum class Step : int {
 // it. Never throws.
 [[nodiscard]] bool CheckDocument(Application& application, Step step);
 
+// Takes every row's length afresh from its source file, then the figures of step 5. No message, no
+// mark: a file that is not there, or whose path cannot be resolved, has no length and counts as
+// empty.
+void MeasureFiles(Application& application);
+
 // Takes the figures of step 5 from the rows: count, bytes, and the estimate of the disks needed.
 void RefreshFigures(Application& application);
 

@@ -20,7 +20,8 @@ struct SetupDocument {
   std::vector<std::string> hidden_ini_files;
   SystemFileNames system_files;
   // Complete setup-script entries, several commands joined by "@"; no duplicates without regard to
-  // case. They live as long as the process: the settings file has no place for them.
+  // case. They live until another project is opened or the process ends: the settings file has no
+  // place for them.
   std::vector<std::string> extra_todo_lines;
   // File name of the project's built program. Create refuses to run while it is empty.
   std::string program_name;

@@ -4,6 +4,7 @@
 
 #include "document/path_variables.h"
 #include "document/settings_file.h"
+#include "document/work_border.h"
 #include "environment/project_type.h"
 #include "projects/project_registry.h"
 
@@ -11,21 +12,22 @@ namespace txs {
 
 bool OpenProject(Application& application, std::string_view name) {
   constexpr long kProjectCannotBeEdited = 901;
-  const RegisteredProject registered = LookUpProject(application.platform, name);
-  CurrentProject& project = application.project;
-  project.name = registered.name;
-  project.directory = registered.directory;
-  project.type = registered.type;
-  project.file = registered.name;
+  // A copy: `name` may be the current project's, which is about to be replaced.
+  const std::string subject(name);
   // The border of the routine: the callers are event handlers and the start routine, which have the
   // document at its defaults to go on with.
-  try {
+  return AtWorkBorder(application, kProjectCannotBeEdited, subject, [&] {
+    const RegisteredProject registered = LookUpProject(application.platform, subject);
+    CurrentProject& project = application.project;
+    project.name = registered.name;
+    project.directory = registered.directory;
+    project.type = registered.type;
+    project.file = registered.name;
+    // What the Scan of another project collected has no business in this one's script.
+    application.document.extra_todo_lines.clear();
     LoadCurrentProject(application);
-  } catch (const RuntimeError& error) {
-    ShowError(application, kProjectCannotBeEdited, {project.name}, error);
-    return false;
-  }
-  return true;
+    return true;
+  });
 }
 
 void LoadCurrentProject(Application& application) {

@@ -8,8 +8,10 @@
 namespace txs {
 
 // The open-project routine: name, directory and type from the registry, path variables, settings.
-// A missing registry value gives an empty directory or type 0. Returns false after an error message
-// when the settings file exists and cannot be read; the document then holds the defaults.
+// The to-do lines of the project before are dropped. A missing registry value gives an empty
+// directory or type 0. Returns false after an error message when the settings file exists and
+// cannot be read or the project configurator fails; the document then holds the defaults. Never
+// throws.
 bool OpenProject(Application& application, std::string_view name);
 
 // What follows once name, directory and type are set: path-variable list, temporary directory,

@@ -18,11 +18,12 @@ struct RunReport {
   [[nodiscard]] bool IsEmpty() const { return messages.empty() && missing.empty(); }
 };
 
-// One line per message (its line breaks become blanks) and one per missing item, which names the
-// chain that needs it; missing items stand under a heading (text 1912). Lines end in "\n".
+// One line per message (its line breaks become blanks) and one per missing item, "COMCAT.DLL
+// (Demo.vbp → MSCOMCTL.OCX)" with the chain that needs it; missing items stand under a heading
+// (text 1912). Lines end in "\n".
 [[nodiscard]] std::string ReportText(const RunReport& report, const TextService& texts);
 
-// Notes the messages that are shown while this lives.
+// Notes the messages that are shown while this lives. Whoever listened before still hears them.
 class MessageCollector {
  public:
   explicit MessageCollector(MessageService& messages);
@@ -34,6 +35,7 @@ class MessageCollector {
 
  private:
   MessageService& messages_;
+  MessageService::Listener before_;
   std::vector<std::string> prompts_;
 };
 

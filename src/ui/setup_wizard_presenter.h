@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "document/application.h"
@@ -13,7 +13,8 @@
 
 namespace txs {
 
-// Nothing here throws: every failure shows its message. `application` and `view` must outlive it.
+// Nothing here throws: every failure shows its message. While a run is under way nothing happens
+// and every question is answered with "no". `application` and `view` must outlive it.
 class SetupWizardPresenter {
  public:
   SetupWizardPresenter(Application& application, SetupWizardView& view)
@@ -23,7 +24,8 @@ class SetupWizardPresenter {
   void Load();
 
   // --- Menus
-  // Asks 1706 when the document has changed, then for a project; opens it when one was chosen.
+  // Asks 1706 when the document has changed, then for a project; opens it, at step 1, when one was
+  // chosen.
   void OpenProject();
   // False after message 911 when the settings could not be written.
   bool Save();
@@ -38,7 +40,8 @@ class SetupWizardPresenter {
 
   // --- Steps
   // Checks the document for the step that is left; false (after its message) when `left` must be
-  // selected again, which the form does without a further check.
+  // selected again, which the form does without a further check. Entering step 5 measures the
+  // files, unless leaving step 4 has just done so.
   [[nodiscard]] bool ChangeStep(Step left, Step entered);
 
   // The text of a text box was edited. Sets the changed flag.
@@ -47,12 +50,13 @@ class SetupWizardPresenter {
   void LooseTextEdited();
   // What a directory text box must hold when the focus leaves it.
   [[nodiscard]] std::string LeaveDirectory(const std::string& text) const;
-  // "..." beside a background picture: the chosen file, or nothing when cancelled. The caller puts
-  // it into the box.
+  // "..." beside a background picture: the chosen file with path variables, or nothing when
+  // cancelled. The caller puts it into the box.
   [[nodiscard]] std::string BrowsePicture(const TextBox& box);
 
   // --- Step 2. Indexes are those of StepSettings::user_directories, from 0.
   // False (after a beep) when the list has that directory already; else the box is to be emptied.
+  // Blanks add nothing.
   [[nodiscard]] bool AddUserDirectory(const std::string& text);
   void DeleteUserDirectory(std::size_t index);
   void RenameUserDirectory(std::size_t index, const std::string& text);
@@ -68,22 +72,33 @@ class SetupWizardPresenter {
   void Scan();
   void AddFiles();
   // What AddFiles does with the chosen files; also the files that were dropped onto the list. Full
-  // Windows paths.
+  // Windows paths; anything else is passed over, and so are folders. A file that cannot be added
+  // does not keep the following ones out.
   void AddFiles(const std::vector<std::string>& paths);
   void DeleteRows(const std::vector<std::size_t>& rows);
-  // A cell was edited: takes the text, clears the row's mark, sets the changed flag.
+  // A cell was edited: takes the text, clears the row's mark, sets the changed flag. The grid shows
+  // its own edit.
   void EditCell(std::size_t row, FileColumn column, const std::string& text);
 
-  // --- Step 5
+  // --- Step 5. Selects step 4 when the run has marked rows there.
   void Create();
 
   // Whether a run is under way: closing, a second run and everything else must wait.
   [[nodiscard]] bool IsRunning() const { return running_; }
 
  private:
+  // The border of the events: runs `work` unless a run is under way. What it throws becomes message
+  // 1913 and false.
+  bool Act(const std::function<bool()>& work);
+  [[nodiscard]] MessageResult Ask(long id, const std::vector<std::string>& parameters, int buttons);
   // Saves when the answer to question `id` is Yes; false on Cancel or when saving failed.
   [[nodiscard]] bool SaveOnRequest(long id);
   void ShowAll();
+  // Takes the state of a check box; whether the user has just checked it.
+  [[nodiscard]] bool Check(bool& setting, bool checked);
+  void ShowNotice(long id, int icon);
+  [[nodiscard]] std::string PictureDirectory(const TextBox& box) const;
+  void AddEach(const std::vector<std::string>& paths);
 
   Application& application_;
   SetupWizardView& view_;

@@ -20,8 +20,8 @@ struct RememberedWindow {
   bool operator==(const RememberedWindow&) const = default;
 };
 
-// Nothing when the form was never remembered or what is kept makes no sense (sizes outside 1 to
-// 32767, text that is no number). Never throws.
+// Nothing when the form was never remembered or what is kept makes no sense (sizes or columns
+// outside 1 to 32767, text that is no number). Never throws.
 [[nodiscard]] std::optional<RememberedWindow> RecallWindow(const Registry& registry,
                                                            std::string_view form);
 

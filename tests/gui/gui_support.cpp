@@ -6,6 +6,7 @@
 #include <wx/dcscreen.h>
 #include <wx/evtloop.h>
 #include <wx/image.h>
+#include <wx/stattext.h>
 #include <wx/uiaction.h>
 #include <wx/utils.h>
 
@@ -26,10 +27,18 @@ void Move(const wxPoint& on_screen) {
   WaitFor([&] { return wxGetMousePosition() == on_screen; }, 2);
 }
 
+// A label that is cut on purpose needs no width.
+wxSize NeededSize(wxWindow& control) {
+  wxSize needed = control.GetBestSize();
+  const auto* const text = dynamic_cast<wxStaticText*>(&control);
+  if (text != nullptr && text->IsEllipsized()) needed.SetWidth(0);
+  return needed;
+}
+
 void CollectClipped(wxWindow& window, std::string& names) {
   for (wxWindow* const child : window.GetChildren()) {
     if (!child->IsShown() || child->IsTopLevel()) continue;
-    const wxSize needed = child->GetBestSize();
+    const wxSize needed = NeededSize(*child);
     const wxSize has = child->GetSize();
     const wxSize room = window.GetClientSize();
     const wxPoint at = child->GetPosition();

@@ -1,0 +1,444 @@
+#include "ui/state_form.h"
+
+#include <wx/clipbrd.h>
+#include <wx/dataobj.h>
+#include <wx/display.h>
+#include <wx/statbox.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "ui/form_pictures.h"
+#include "ui/label_for.h"
+#include "ui/wx_text.h"
+
+namespace txs {
+namespace {
+
+constexpr long kTextOk = 10;
+constexpr long kTextCancel = 11;
+constexpr long kTextCopy = 1960;
+constexpr long kTextReport = 1961;
+constexpr long kTextRunning = 1962;
+constexpr long kTextDone = 1963;
+constexpr long kTextError = 1964;
+
+// Device-independent pixels.
+constexpr int kGap = 8;
+constexpr int kSmallGap = 4;
+constexpr int kBorder = 12;
+constexpr int kFileWidth = 440;
+constexpr int kReportHeight = 150;
+
+constexpr std::chrono::milliseconds kPaintInterval(25);
+// The toolkit lays out and paints anew at most this often.
+constexpr std::chrono::milliseconds kFrame(20);
+constexpr int kPaintShare = 10;  // of the run's time, one part in so many
+
+void SetWeight(wxWindow& window, bool bold) {
+  wxFont font = window.GetFont();
+  font.SetWeight(bold ? wxFONTWEIGHT_BOLD : wxFONTWEIGHT_NORMAL);
+  window.SetFont(font);
+}
+
+// What the label's text takes in its font. The toolkit's own best size still knows the font before
+// the last change as long as the window is hidden.
+wxSize RoomFor(const wxStaticText& label) {
+  const wxString text = label.GetLabelText();
+  // An empty line is as high as one with text.
+  wxSize room = label.GetTextExtent(text.empty() ? wxString("A") : text);
+  if (text.empty()) room.SetWidth(0);
+  // Rounding, and letters that lean out.
+  return room + label.FromDIP(wxSize(2, 0));
+}
+
+void YieldOnce() {
+  if (wxEventLoopBase* const active = wxEventLoopBase::GetActive()) {
+    active->YieldFor(wxEVT_CATEGORY_ALL);
+    return;
+  }
+  wxEventLoop loop;
+  const wxEventLoopActivator activator(&loop);
+  loop.YieldFor(wxEVT_CATEGORY_ALL);
+}
+
+// Sets back what it set, also when a handler leaves in another way.
+class SetWhile {
+ public:
+  explicit SetWhile(bool& flag) : flag_(flag) { flag_ = true; }
+  ~SetWhile() { flag_ = false; }
+  SetWhile(const SetWhile&) = delete;
+  SetWhile& operator=(const SetWhile&) = delete;
+
+ private:
+  bool& flag_;
+};
+
+}  // namespace
+
+StageLine::StageLine(wxWindow* parent, wxSizer& column, std::size_t index, const TextService& texts)
+    : texts_(texts),
+      picture_(new wxStaticBitmap(parent, wxID_ANY, StageRunningPicture())),
+      label_(new wxStaticText(parent, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
+                              wxST_NO_AUTORESIZE)) {
+  picture_->SetName("imgState" + std::to_string(index));
+  picture_->Hide();
+  label_->SetName("lblStateInfo" + std::to_string(index));
+  auto* const row = new wxBoxSizer(wxHORIZONTAL);
+  row->Add(picture_, wxSizerFlags().CenterVertical().ReserveSpaceEvenIfHidden());
+  row->Add(label_, wxSizerFlags(1).CenterVertical().Border(wxLEFT, parent->FromDIP(kGap)));
+  const int gap = parent->FromDIP(kSmallGap);
+  column.Add(row, wxSizerFlags().Expand().Border(wxALL, gap));
+}
+
+void StageLine::ReserveRoom() {
+  caption_ = label_->GetLabel();
+  SetWeight(*label_, /*bold=*/true);
+  label_->SetMinSize(RoomFor(*label_));
+  SetWeight(*label_, /*bold=*/false);
+}
+
+void StageLine::ShowPicture(const wxBitmapBundle& picture, long text_id) {
+  const wxString meaning = ToWx(texts_.GetText(text_id));
+  picture_->SetBitmap(picture);
+  picture_->SetToolTip(meaning);
+  SetAccessibleName(*picture_, meaning);
+  picture_->Show();
+}
+
+void StageLine::Clear() {
+  picture_->Hide();
+  SetWeight(*label_, /*bold=*/false);
+  label_->SetLabel(caption_);
+}
+
+void StageLine::Start() {
+  ShowPicture(StageRunningPicture(), kTextRunning);
+  SetWeight(*label_, /*bold=*/true);
+}
+
+void StageLine::SetCaption(const std::string& caption) { label_->SetLabelText(ToWx(caption)); }
+
+void StageLine::End(bool succeeded) {
+  ShowPicture(succeeded ? StageDonePicture() : StageErrorPicture(),
+              succeeded ? kTextDone : kTextError);
+  SetWeight(*label_, /*bold=*/false);
+  label_->SetLabel(caption_);
+}
+
+bool LateText::Show() {
+  if (!next_) return false;
+  const wxString text = ToWx(*next_);
+  next_.reset();
+  if (label_.GetLabelText() == text) return false;
+  label_.SetLabelText(text);
+  if (label_.IsEllipsized()) {
+    label_.SetToolTip(text);
+    return false;
+  }
+  const int needed = RoomFor(label_).GetWidth();
+  if (needed <= label_.GetMinWidth()) return false;
+  label_.SetMinSize(wxSize(needed, label_.GetMinHeight()));
+  return true;
+}
+
+void PaintPace::Start() {
+  start_ = Clock::now();
+  last_ = {};
+  spent_ = {};
+}
+
+bool PaintPace::IsDue() const {
+  const Clock::time_point now = Clock::now();
+  return now - last_ >= kPaintInterval || spent_ * kPaintShare <= now - start_;
+}
+
+StateForm::StateForm(wxWindow* parent, const Application& application, long title_id,
+                     long failed_id)
+    : wxDialog(parent, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
+               wxDEFAULT_DIALOG_STYLE | wxRESIZE_BORDER),
+      application_(application),
+      failed_id_(failed_id),
+      captions_(*this, title_id),
+      column_(new wxBoxSizer(wxVERTICAL)) {
+  SetIcons(ApplicationIcons());
+  auto* const frame = new wxBoxSizer(wxVERTICAL);
+  frame->Add(column_, wxSizerFlags(1).Expand().Border(wxALL, FromDIP(kBorder)));
+  SetSizer(frame);
+  Bind(wxEVT_CLOSE_WINDOW, &StateForm::OnClose, this);
+}
+
+StateForm::~StateForm() {
+  while (busy_ > 0) SetBusy(/*busy=*/false);
+}
+
+void StateForm::AddStages(long frame_id, const std::vector<long>& stage_ids) {
+  auto* const lines = new wxStaticBoxSizer(wxVERTICAL, this);
+  wxStaticBox* const box = lines->GetStaticBox();
+  box->SetName("fraState");
+  captions_.Add(*box, frame_id);
+  for (std::size_t i = 0; i < stage_ids.size(); ++i) {
+    stages_.emplace_back(box, *lines, i, Texts());
+    captions_.Add(stages_.back().Label(), stage_ids[i]);
+  }
+  column_->Add(lines, wxSizerFlags().Expand());
+}
+
+void StateForm::AddRow(wxSizer* row) {
+  column_->Add(row, wxSizerFlags().Expand().Border(wxTOP, FromDIP(kGap)));
+}
+
+wxStaticText* StateForm::MakeHeading(long id) {
+  auto* const heading = new wxStaticText(this, wxID_ANY, wxString());
+  captions_.Add(*heading, id);
+  return heading;
+}
+
+void StateForm::ShowLine(wxStaticText& label, const std::string& text, bool bold) {
+  SetWeight(label, bold);
+  label.SetLabelText(ToWx(text));
+  label.SetMinSize(RoomFor(label));
+}
+
+wxStaticText* StateForm::MakeFileLabel() {
+  auto* const label = new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
+                                       wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_MIDDLE);
+  label->SetName("lblFile");
+  label->SetMinSize(wxSize(FromDIP(kFileWidth), GetCharHeight()));
+  file_.emplace(*label);
+  return label;
+}
+
+wxStaticText* StateForm::MakeValueLabel(const char* name, int least_width) {
+  auto* const label = new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
+                                       wxST_NO_AUTORESIZE);
+  label->SetName(name);
+  label->SetMinSize(wxSize(least_width, GetCharHeight()));
+  return label;
+}
+
+void StateForm::FinishLayout() {
+  AddResultLine();
+  AddReport();
+  AddButtons();
+  LoadCaptions(captions_, Texts());
+  for (StageLine& stage : stages_) stage.ReserveRoom();
+  LabelFor(*report_label_, *report_);
+  GrowToFit();
+}
+
+void StateForm::AddResultLine() {
+  result_picture_ = new wxStaticBitmap(this, wxID_ANY, StageDonePicture());
+  result_picture_->SetName("imgResult");
+  result_picture_->Hide();
+  result_label_ = MakeValueLabel("lblState", /*least_width=*/0);
+  auto* const row = new wxBoxSizer(wxHORIZONTAL);
+  row->Add(result_picture_, wxSizerFlags().CenterVertical().ReserveSpaceEvenIfHidden());
+  row->Add(result_label_, wxSizerFlags(1).CenterVertical().Border(wxLEFT, FromDIP(kGap)));
+  AddRow(row);
+}
+
+void StateForm::AddReport() {
+  report_column_ = new wxBoxSizer(wxVERTICAL);
+  report_label_ = new wxStaticText(this, wxID_ANY, wxString());
+  report_label_->SetName("lblReport");
+  captions_.Add(*report_label_, kTextReport);
+  report_ = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition,
+                           wxSize(-1, FromDIP(kReportHeight)), wxTE_MULTILINE | wxTE_READONLY);
+  report_->SetName("txtReport");
+  copy_ = new wxButton(this, wxID_ANY, wxString());
+  copy_->SetName("cmdCopy");
+  captions_.Add(*copy_, kTextCopy);
+  copy_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { CopyReport(); });
+  report_column_->Add(report_label_);
+  report_column_->Add(report_,
+                      wxSizerFlags(1).Expand().Border(wxTOP | wxBOTTOM, FromDIP(kSmallGap)));
+  report_column_->Add(copy_);
+  column_->Add(report_column_, wxSizerFlags(1).Expand().Border(wxTOP, FromDIP(kGap)));
+  column_->Hide(report_column_);
+}
+
+void StateForm::AddButtons() {
+  ok_ = new wxButton(this, wxID_OK, wxString());
+  ok_->SetName("cmdOK");
+  captions_.Add(*ok_, kTextOk);
+  ok_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { CloseWindow(); });
+  ok_->SetDefault();
+  cancel_ = new wxButton(this, wxID_CANCEL, wxString());
+  cancel_->SetName("cmdCancel");
+  captions_.Add(*cancel_, kTextCancel);
+  cancel_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { cancel_pressed_ = true; });
+  auto* const buttons = new wxStdDialogButtonSizer;
+  buttons->AddButton(ok_);
+  buttons->AddButton(cancel_);
+  buttons->Realize();
+  column_->Add(buttons, wxSizerFlags().Expand().Border(wxTOP, FromDIP(kBorder)));
+}
+
+void StateForm::BeginRun() {
+  running_ = true;
+  open_ = true;
+  cancel_pressed_ = false;
+  lists_report_ = false;
+  for (StageLine& stage : stages_) stage.Clear();
+  result_picture_->Hide();
+  ShowLine(*result_label_, {}, /*bold=*/true);
+  column_->Hide(report_column_);
+  ShowFileName({});
+  cancel_->Enable();
+  ok_->Disable();
+  GrowToFit();
+
+  if (!IsShown()) {
+    CentreOnParent();
+    // Nobody may close the main form below the run, or start another one.
+    others_disabled_ = std::make_unique<wxWindowDisabler>(this);
+    Show();
+  }
+  Raise();
+  cancel_->SetFocus();
+  pace_.Start();
+  Settle();
+  LetWindowEventsRun();
+}
+
+void StateForm::EndRun(bool succeeded, const std::string& result_line) {
+  running_ = false;
+  if (succeeded) ShowFileName({});
+  result_picture_->SetBitmap(succeeded ? StageDonePicture() : StageErrorPicture());
+  SetAccessibleName(*result_picture_,
+                    ToWx(application_.texts.GetText(succeeded ? kTextDone : kTextError)));
+  result_picture_->Show();
+  ShowLine(*result_label_, result_line, /*bold=*/true);
+  ok_->Enable();
+  ok_->SetFocus();
+  cancel_->Disable();
+  GrowToFit();
+  PaintNow();
+}
+
+void StateForm::StartStage(std::size_t index) {
+  stages_.at(index).Start();
+  PaintNow();
+  Settle();
+}
+
+void StateForm::EndStage(std::size_t index, bool succeeded) {
+  stages_.at(index).End(succeeded);
+  PaintNow();
+}
+
+void StateForm::SetStageCaption(std::size_t index, const std::string& caption) {
+  stages_.at(index).SetCaption(caption);
+  PaintSoon();
+}
+
+void StateForm::ShowFileName(const std::string& file) {
+  file_->Set(file);
+  PaintSoon();
+}
+
+void StateForm::SetBusy(bool busy) {
+  if (busy) {
+    ++busy_;
+    wxBeginBusyCursor();
+  } else if (busy_ > 0) {
+    --busy_;
+    wxEndBusyCursor();
+  }
+}
+
+void StateForm::LetWindowEventsRun() {
+  PaintSoon();
+  // Whatever an event does, the run below it goes on only when that event has been handled.
+  if (yielding_) return;
+  const SetWhile yielding(yielding_);
+  YieldOnce();
+  while (std::chrono::steady_clock::now() < settled_) {
+    wxMilliSleep(1);
+    YieldOnce();
+  }
+}
+
+void StateForm::Settle() { settled_ = std::chrono::steady_clock::now() + kFrame; }
+
+bool StateForm::ShowLateParts() { return file_->Show(); }
+
+void StateForm::PaintNow() {
+  pace_.Run([this] {
+    if (ShowLateParts()) GrowToFit();
+    Update();
+  });
+}
+
+void StateForm::PaintSoon() {
+  if (pace_.IsDue()) PaintNow();
+}
+
+void StateForm::GrowToFit() {
+  const wxSize needed = GetSizer()->ComputeFittingWindowSize(this);
+  // Only the report has a use for more height.
+  SetSizeHints(needed, wxSize(wxDefaultCoord, lists_report_ ? wxDefaultCoord : needed.GetHeight()));
+  wxRect place = GetRect();
+  wxSize size = place.GetSize();
+  size.IncTo(needed);
+  if (!lists_report_) size.SetHeight(needed.GetHeight());
+  if (size != place.GetSize()) SetSize(size);
+  Layout();
+  if (!IsShown()) return;
+
+  // A window that grew stays on the screen.
+  const wxRect screen = wxDisplay(this).GetClientArea();
+  place = wxRect(GetPosition(), size);
+  const wxPoint wanted(
+      std::max(screen.x, std::min(place.x, screen.x + screen.width - place.width)),
+      std::max(screen.y, std::min(place.y, screen.y + screen.height - place.height)));
+  if (wanted != place.GetPosition()) Move(wanted);
+}
+
+void StateForm::ListReport(const RunReport& report) {
+  if (report.IsEmpty()) return;
+  report_->ChangeValue(ToWxLines(ReportText(report, application_.texts)));
+  report_->SetInsertionPoint(0);
+  lists_report_ = true;
+  column_->Show(report_column_, /*show=*/true, /*recursive=*/true);
+  GrowToFit();
+  PaintNow();
+}
+
+void StateForm::CopyReport() {
+  const wxClipboardLocker locker;
+  if (!locker) return;
+  wxTheClipboard->SetData(new wxTextDataObject(report_->GetValue()));
+  // The list outlives the program where the desktop keeps the clipboard.
+  wxTheClipboard->Flush();
+}
+
+void StateForm::WaitForOk() {
+  if (!open_) return;
+  // The run ended without saying so; nobody could close the window.
+  if (running_) EndRun(/*succeeded=*/false, Texts().GetText(failed_id_));
+  wxEventLoop loop;
+  waiting_loop_ = &loop;
+  loop.Run();
+  waiting_loop_ = nullptr;
+}
+
+void StateForm::CloseWindow() {
+  if (running_ || !open_) return;
+  open_ = false;
+  // Before the window goes: the window system then gives the focus back to the main form.
+  others_disabled_.reset();
+  Hide();
+  if (waiting_loop_ != nullptr) waiting_loop_->ScheduleExit();
+}
+
+void StateForm::OnClose(wxCloseEvent& event) {
+  if (running_) {
+    event.Veto();
+    return;
+  }
+  CloseWindow();
+}
+
+}  // namespace txs

@@ -1,0 +1,184 @@
+// What the two state windows have in common: stage lines, result line, report, Cancel and OK, and
+// how a run lets the window live while it holds the processor.
+#pragma once
+
+#include <wx/button.h>
+#include <wx/dialog.h>
+#include <wx/evtloop.h>
+#include <wx/panel.h>
+#include <wx/sizer.h>
+#include <wx/statbmp.h>
+#include <wx/stattext.h>
+#include <wx/textctrl.h>
+#include <wx/utils.h>
+
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "document/application.h"
+#include "ui/form_captions.h"
+#include "ui/run_report.h"
+
+namespace txs {
+
+// One stage: a picture and a label, `imgState` and `lblStateInfo` with the stage's index.
+class StageLine {
+ public:
+  // Adds both to `column`.
+  StageLine(wxWindow* parent, wxSizer& column, std::size_t index, const TextService& texts);
+
+  [[nodiscard]] wxStaticText& Label() { return *label_; }
+
+  // Call it once after the captions are set: the line then has room for its caption in bold.
+  void ReserveRoom();
+
+  void Clear();  // no picture, normal weight, the stage's own caption
+  void Start();  // picture of a running stage, bold
+  void SetCaption(const std::string& caption);
+  void End(bool succeeded);  // done or error picture, normal weight, the stage's own caption
+
+ private:
+  void ShowPicture(const wxBitmapBundle& picture, long text_id);
+
+  const TextService& texts_;
+  wxStaticBitmap* picture_;
+  wxStaticText* label_;
+  wxString caption_;
+};
+
+// A label whose text changes faster than anybody can read: the last one is shown at the next
+// painting.
+class LateText {
+ public:
+  explicit LateText(wxStaticText& label) : label_(label) {}
+
+  void Set(std::string text) { next_ = std::move(text); }
+  // Shows what was set since the last call. True when the label asks for more room than before.
+  bool Show();
+
+  [[nodiscard]] wxStaticText& Label() { return label_; }
+
+ private:
+  wxStaticText& label_;
+  std::optional<std::string> next_;
+};
+
+// Says when painting is worth its time. Painting at every file would make a run of many small files
+// mostly painting; painting only at fixed times would leave a wrong name on the screen while a
+// large file is handled. So everything is painted while that costs a small share of the run, and
+// beyond that some forty times in a second.
+class PaintPace {
+ public:
+  void Start();
+  [[nodiscard]] bool IsDue() const;
+  // Counts what `paint` takes.
+  template <typename Paint>
+  void Run(Paint paint) {
+    const auto begin = Clock::now();
+    paint();
+    last_ = Clock::now();
+    spent_ += last_ - begin;
+  }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  Clock::time_point start_{};
+  Clock::time_point last_{};
+  Clock::duration spent_{};
+};
+
+// Hidden until BeginRun. While the run lasts it refuses to be closed: Esc and Enter press Cancel;
+// afterwards both, and the close box, do what OK does.
+class StateForm : public wxDialog {
+ public:
+  ~StateForm() override;
+
+ protected:
+  // `title_id` tags the form, `failed_id` is the result line of a run that never came to its end.
+  StateForm(wxWindow* parent, const Application& application, long title_id, long failed_id);
+
+  // --- Building, top to bottom; each adds its controls below those before.
+  [[nodiscard]] FormCaptions& Captions() { return captions_; }
+  void AddStages(long frame_id, const std::vector<long>& stage_ids);
+  // `row` is laid out by the caller and takes the form's width.
+  void AddRow(wxSizer* row);
+  wxStaticText* MakeHeading(long id);
+  // lblFile: cut in the middle when it is too long.
+  wxStaticText* MakeFileLabel();
+  // A label that fills the width it is given, whatever its text.
+  wxStaticText* MakeValueLabel(const char* name, int least_width);
+  // Result line, report and buttons; loads the captions.
+  void FinishLayout();
+
+  // --- What both views do
+  void BeginRun();
+  void EndRun(bool succeeded, const std::string& result_line);
+  void StartStage(std::size_t index);
+  void SetStageCaption(std::size_t index, const std::string& caption);
+  void EndStage(std::size_t index, bool succeeded);
+  void ShowFileName(const std::string& file);
+  void SetBusy(bool busy);
+  void LetWindowEventsRun();
+  [[nodiscard]] bool CancelPressed() const { return cancel_pressed_; }
+  void ListReport(const RunReport& report);
+  [[nodiscard]] bool ListsReport() const { return lists_report_; }
+  void WaitForOk();
+
+  // Shows the text in a label that MakeValueLabel made, and reserves the room for it.
+  static void ShowLine(wxStaticText& label, const std::string& text, bool bold);
+
+  // Puts on the screen what changed, without waiting for events.
+  void PaintNow();
+  // The same, unless it was done a moment ago; the next painting then shows it.
+  void PaintSoon();
+  // Shows what was kept for the next painting. True when something needs more room.
+  virtual bool ShowLateParts();
+  // The window grows where a text needs it.
+  void GrowToFit();
+
+  [[nodiscard]] const TextService& Texts() const { return application_.texts; }
+
+ private:
+  // The next LetWindowEventsRun gives the toolkit the time for what Update alone does not bring to
+  // the screen: another font, a picture that appears. What follows a stage's begin may take long.
+  void Settle();
+  void AddResultLine();
+  void AddReport();
+  void AddButtons();
+  void CloseWindow();
+  void CopyReport();
+  void OnClose(wxCloseEvent& event);
+
+  const Application& application_;
+  long failed_id_;
+  FormCaptions captions_;
+  std::vector<StageLine> stages_;
+  wxBoxSizer* column_;
+  wxBoxSizer* report_column_ = nullptr;
+  wxStaticText* report_label_ = nullptr;
+  wxTextCtrl* report_ = nullptr;
+  wxStaticBitmap* result_picture_ = nullptr;
+  wxStaticText* result_label_ = nullptr;
+  wxButton* copy_ = nullptr;
+  wxButton* ok_ = nullptr;
+  wxButton* cancel_ = nullptr;
+  std::optional<LateText> file_;
+
+  PaintPace pace_;
+  std::chrono::steady_clock::time_point settled_{};
+  std::unique_ptr<wxWindowDisabler> others_disabled_;
+  wxEventLoopBase* waiting_loop_ = nullptr;
+  int busy_ = 0;
+  bool running_ = false;
+  bool open_ = false;  // from the run's begin until OK
+  bool cancel_pressed_ = false;
+  bool yielding_ = false;
+  bool lists_report_ = false;
+};
+
+}  // namespace txs
