@@ -62,6 +62,10 @@ StepDirectoriesPage::StepDirectoriesPage(wxWindow* parent, FormParts& parts)
   BindList();
   BindEditBoxes();
   EnableButtons();
+  parts.AddEdit([this] {
+    TakeRename();
+    LeaveUserDirectory();
+  });
 }
 
 wxSizer* StepDirectoriesPage::AddUserDirectories() {
