@@ -31,6 +31,15 @@ wxString CutOffText(const wxListView& list, const wxPoint& at) {
   return {};
 }
 
+void StretchLastColumn(wxListView& list) {
+  const int last = list.GetColumnCount() - 1;
+  if (last < 0) return;
+  list.SetColumnWidth(last, wxLIST_AUTOSIZE_USEHEADER);
+  int room = RowArea(list)->GetClientSize().GetWidth();
+  for (int column = 0; column < last; ++column) room -= list.GetColumnWidth(column);
+  if (room > list.GetColumnWidth(last)) list.SetColumnWidth(last, room);
+}
+
 }  // namespace
 
 void OfferHelp(wxDialog& dialog, Application& application, HelpViewer& help) {
@@ -77,31 +86,22 @@ void AddColumn(wxListView& list, FormCaptions& captions, long id) {
   });
 }
 
-void FitColumns(wxListView& list) {
-  for (int column = 0; column < list.GetColumnCount(); ++column) {
-    list.SetColumnWidth(column, wxLIST_AUTOSIZE_USEHEADER);
-  }
+wxWindow* RowArea(wxListView& list) {
+  const wxWindowList& parts = list.GetChildren();
+  return parts.empty() ? &list : parts.front();
 }
 
-void KeepLastColumnFilling(wxListView& list) {
-  list.Bind(wxEVT_SIZE, [&list](wxSizeEvent& event) {
-    event.Skip();
-    const int last = list.GetColumnCount() - 1;
-    // The list has its new size once it has seen the event itself.
-    if (last >= 0) {
-      list.CallAfter([&list, last] { list.SetColumnWidth(last, wxLIST_AUTOSIZE_USEHEADER); });
-    }
-  });
-}
-
-int NeededWidth(wxListView& list) {
+int FitColumns(wxListView& list) {
   int needed = wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, &list);
   for (int column = 0; column < list.GetColumnCount(); ++column) {
-    // The last column would be stretched by the other mode.
-    list.SetColumnWidth(column, wxLIST_AUTOSIZE);
+    list.SetColumnWidth(column, wxLIST_AUTOSIZE_USEHEADER);
     needed += list.GetColumnWidth(column);
   }
-  FitColumns(list);
+  // The list has its new size once it has seen the event itself.
+  list.Bind(wxEVT_SIZE, [&list](wxSizeEvent& event) {
+    event.Skip();
+    list.CallAfter([&list] { StretchLastColumn(list); });
+  });
   return needed;
 }
 

@@ -26,12 +26,13 @@ void FinishDialog(wxDialog& dialog, wxSizer* content, wxStdDialogButtonSizer* bu
 // A column of a report list, with its caption from the string table.
 void AddColumn(wxListView& list, FormCaptions& captions, long id);
 
-// Every column as wide as its contents and its header need; the last one takes what is left of the
-// list, again when the list's size changes.
-void FitColumns(wxListView& list);
-void KeepLastColumnFilling(wxListView& list);
-// What the columns take together when none is stretched.
-[[nodiscard]] int NeededWidth(wxListView& list);
+// The window in which a list shows its rows: the list itself where the platform draws it.
+[[nodiscard]] wxWindow* RowArea(wxListView& list);
+
+// Makes every column as wide as its contents and its header need; from then on the last one takes
+// what is left of the list. Returns the width that the list needs to show all columns. Call it once
+// the list is filled.
+[[nodiscard]] int FitColumns(wxListView& list);
 
 // A text that its column cuts off is shown as a tip while the pointer is over it.
 void TipCutOffTexts(wxListView& list);

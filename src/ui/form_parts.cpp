@@ -36,7 +36,7 @@ DocumentBox::DocumentBox(wxWindow* parent, const TextBox& box, Application& appl
   });
   if (box.is_directory) {
     Bind(wxEVT_KILL_FOCUS, [this](wxFocusEvent& event) {
-      OnLeave();
+      TakeEdit();
       event.Skip();
     });
   }
@@ -53,7 +53,8 @@ void DocumentBox::OnText() {
   ShowCutText(*this);
 }
 
-void DocumentBox::OnLeave() {
+void DocumentBox::TakeEdit() {
+  if (!box_.is_directory) return;
   const wxString text = ToWx(presenter_.LeaveDirectory(FromWx(GetValue())));
   // An edit like any other: the document holds the normalised text too.
   if (text != GetValue()) SetValue(text);
@@ -81,7 +82,10 @@ wxButton* FormParts::AddButton(wxWindow* parent, const std::string& name, long i
   // A button without a text would be taken for one of the toolkit's own.
   auto* const button = new wxButton(parent, wxID_ANY, ToWx(application_.texts.GetText(id)));
   button->SetName(ToWx(name));
-  button->Bind(wxEVT_BUTTON, [pressed = std::move(pressed)](wxCommandEvent&) { pressed(); });
+  button->Bind(wxEVT_BUTTON, [this, pressed = std::move(pressed)](wxCommandEvent&) {
+    TakeEdits();
+    pressed();
+  });
   captions_.Add(*button, id);
   return button;
 }
@@ -99,7 +103,12 @@ wxCheckBox* FormParts::AddCheckBox(wxWindow* parent, const std::string& name, lo
 DocumentBox* FormParts::AddBox(wxWindow* parent, const std::string& name) {
   auto* const box = new DocumentBox(parent, FindTextBox(name), application_, presenter_);
   boxes_.push_back(box);
+  if (box->Box().is_directory) AddEdit([box] { box->TakeEdit(); });
   return box;
+}
+
+void FormParts::TakeEdits() {
+  for (const std::function<void()>& take : edits_) take();
 }
 
 void FormParts::ShowCaptions() {

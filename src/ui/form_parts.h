@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "document/application.h"
@@ -28,11 +29,11 @@ class DocumentBox : public wxTextCtrl {
               SetupWizardPresenter& presenter);
 
   void ShowDocument();  // forwards nothing
+  void TakeEdit();      // normalises a directory now
   [[nodiscard]] const TextBox& Box() const { return box_; }
 
  private:
   void OnText();
-  void OnLeave();
 
   const TextBox& box_;
   Application& application_;
@@ -61,7 +62,13 @@ class FormParts {
   // A control that has no label of its own: `name` gives its name once captions are there.
   void Announce(wxWindow* target, std::function<wxString()> name);
 
+  // `take` ends an edit that waits for the focus to leave it; does nothing without one.
+  void AddEdit(std::function<void()> take) { edits_.push_back(std::move(take)); }
+  // Ends all such edits. An access key or a key of the menu acts without moving the focus.
+  void TakeEdits();
+
   wxStaticBox* AddFrame(wxWindow* parent, const std::string& name, long id);
+  // `pressed` finds all edits taken.
   wxButton* AddButton(wxWindow* parent, const std::string& name, long id,
                       std::function<void()> pressed);
   wxCheckBox* AddCheckBox(wxWindow* parent, const std::string& name, long id,
@@ -88,6 +95,7 @@ class FormParts {
   FormCaptions& captions_;
   std::vector<Tied> tied_;
   std::vector<Announced> announced_;
+  std::vector<std::function<void()>> edits_;
   std::vector<DocumentBox*> boxes_;
 };
 

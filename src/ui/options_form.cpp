@@ -35,13 +35,13 @@ FOptions::FOptions(wxWindow* parent, Application& application, HelpViewer& help)
   const int gap = FromDIP(kGapDip);
 
   auto* const list_frame = new wxStaticBoxSizer(wxVERTICAL, this);
+  list_frame->GetStaticBox()->SetName("fraVariables");
   captions.Add(*list_frame->GetStaticBox(), 801);
   variables_ = new wxListView(list_frame->GetStaticBox(), wxID_ANY, wxDefaultPosition,
                               wxDefaultSize, wxLC_REPORT | wxLC_SINGLE_SEL);
   variables_->SetName("lvwVariables");
   AddColumn(*variables_, captions, 810);
   AddColumn(*variables_, captions, 811);
-  KeepLastColumnFilling(*variables_);
   list_frame->Add(variables_, wxSizerFlags(1).Expand().Border(wxALL, gap));
   variable_ = new wxTextCtrl(list_frame->GetStaticBox(), wxID_ANY);
   variable_->SetName("txtVariable");
@@ -49,6 +49,7 @@ FOptions::FOptions(wxWindow* parent, Application& application, HelpViewer& help)
   list_frame->Add(variable_, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, gap));
 
   auto* const option_frame = new wxStaticBoxSizer(wxVERTICAL, this);
+  option_frame->GetStaticBox()->SetName("fraOptions");
   captions.Add(*option_frame->GetStaticBox(), 802);
   use_runtime_setup_ = new wxCheckBox(option_frame->GetStaticBox(), wxID_ANY, wxEmptyString);
   use_runtime_setup_->SetName("chkUseRuntimeSetup");
@@ -88,7 +89,7 @@ void FOptions::FillVariables() {
     variables_->SetItem(at, 1, ToWx(variable.value));
   }
   const int width =
-      std::clamp(NeededWidth(*variables_), FromDIP(kMinListWidthDip), FromDIP(kMaxListWidthDip));
+      std::clamp(FitColumns(*variables_), FromDIP(kMinListWidthDip), FromDIP(kMaxListWidthDip));
   variables_->SetMinSize(wxSize(width, FromDIP(kListHeightDip)));
 }
 

@@ -20,12 +20,6 @@ constexpr int kMinListWidthDip = 440;
 constexpr int kMaxListWidthDip = 900;
 constexpr int kListHeightDip = 220;
 
-// The window in which a list shows its rows: the list itself where the platform draws it.
-wxWindow* RowArea(wxListView& list) {
-  const wxWindowList& parts = list.GetChildren();
-  return parts.empty() ? &list : parts.back();
-}
-
 }  // namespace
 
 FProjectOpen::FProjectOpen(wxWindow* parent, Application& application, HelpViewer* help)
@@ -66,7 +60,6 @@ void FProjectOpen::MakeControls() {
   AddColumn(*list_, captions, 610);
   AddColumn(*list_, captions, 611);
   AddColumn(*list_, captions, 612);
-  KeepLastColumnFilling(*list_);
   hint_ = new wxStaticText(RowArea(*list_), wxID_ANY, wxEmptyString, wxDefaultPosition,
                            wxDefaultSize, wxALIGN_CENTRE_HORIZONTAL);
   hint_->SetName("lblNoProjects");
@@ -91,9 +84,8 @@ void FProjectOpen::FillList() {
   hint_->Show(projects_.rows.empty());
   open_->Enable(choice_.OpenEnabled());
 
-  FitColumns(*list_);
   const int width =
-      std::clamp(NeededWidth(*list_), FromDIP(kMinListWidthDip), FromDIP(kMaxListWidthDip));
+      std::clamp(FitColumns(*list_), FromDIP(kMinListWidthDip), FromDIP(kMaxListWidthDip));
   list_->SetMinSize(wxSize(width, FromDIP(kListHeightDip)));
 }
 

@@ -63,6 +63,9 @@ FSetupWizard::FSetupWizard(Application& application, HelpViewer& help)
   SetSizer(outer);
 
   presenter_.Load();
+  // A page has no room until it is shown for the first time, and its controls would be squeezed
+  // into it until then.
+  for (wxWindow* const page : tab_step_->GetChildren()) page->SetSize(page->GetBestSize());
   outer->SetSizeHints(this);
   wxSize size = FromDIP(wxSize(760, 600));
   size.IncTo(GetMinSize());
@@ -116,7 +119,9 @@ void FSetupWizard::AddCommand(wxMenu* menu, const wxString& key, long caption,
       wxEVT_MENU,
       [this, command = std::move(command)](wxCommandEvent&) {
         // Keys reach a menu that is disabled on some desktops.
-        if (!presenter_.IsRunning()) command();
+        if (presenter_.IsRunning()) return;
+        parts_.TakeEdits();
+        command();
       },
       item->GetId());
   commands_.push_back(item);
@@ -170,7 +175,8 @@ void FSetupWizard::EnableControls(bool enabled) {
   for (wxMenuItem* const item : commands_) item->Enable(enabled);
   if (!enabled) return;
   wxWindow* const focus = focus_before_run_.get();
-  if (focus != nullptr && focus->IsShownOnScreen()) {
+  // What a Scan found is what comes next.
+  if (focus != nullptr && focus->IsShownOnScreen() && step_ != Step::kFiles) {
     focus->SetFocus();
   } else {
     FocusStep();
@@ -203,8 +209,14 @@ void FSetupWizard::ShowHelpContents() { ShowHelp(application_, help_, kHelpConte
 
 std::unique_ptr<ScanStateWindow> FSetupWizard::MakeScanWindow() {
   auto window = std::make_unique<FStateScan>(this, application_);
-  search_.SetParent(window.get());
+  scan_window_ = window.get();
   return window;
+}
+
+SearchFileDialog& FSetupWizard::SearchDialog() {
+  // A single file that is added by hand has no state window.
+  search_.SetParent(scan_window_ ? scan_window_.get() : this);
+  return search_;
 }
 
 std::unique_ptr<CreateStateWindow> FSetupWizard::MakeCreateWindow() {
@@ -217,6 +229,7 @@ void FSetupWizard::OnClose(wxCloseEvent& event) {
     if (event.CanVeto()) event.Veto();
     return;
   }
+  parts_.TakeEdits();
   if (!presenter_.MayClose() && event.CanVeto()) {
     event.Veto();
     return;
@@ -258,6 +271,7 @@ void FSetupWizard::OnStepChanged(wxBookCtrlEvent& event) {
   }
   const Step entered = StepOf(event.GetSelection());
   if (entered == step_) return;
+  parts_.TakeEdits();
   if (!presenter_.ChangeStep(step_, entered)) {
     SelectStep(step_);
     return;

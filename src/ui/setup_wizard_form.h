@@ -54,7 +54,7 @@ class FSetupWizard : public wxFrame, public SetupWizardView {
   void ShowHelpContents() override;
   [[nodiscard]] std::unique_ptr<ScanStateWindow> MakeScanWindow() override;
   [[nodiscard]] std::unique_ptr<CreateStateWindow> MakeCreateWindow() override;
-  [[nodiscard]] SearchFileDialog& SearchDialog() override { return search_; }
+  [[nodiscard]] SearchFileDialog& SearchDialog() override;
 
  private:
   void AddMenus();
@@ -88,6 +88,7 @@ class FSetupWizard : public wxFrame, public SetupWizardView {
   Step step_ = Step::kTexts;
   bool keys_on_tabs_ = false;  // the arrow keys are walking along the tabs
   wxWeakRef<wxWindow> focus_before_run_;
+  wxWeakRef<wxWindow> scan_window_;
   std::optional<wxBusyCursor> busy_;
 };
 

@@ -24,6 +24,8 @@ constexpr long kNameColumn = 1210;
 constexpr long kDirectoryColumn = 1211;
 constexpr long kNewDirectory = 1920;
 constexpr int kDirectory = 1;  // the list's second column
+constexpr int kNameWidth = 120;
+constexpr int kLeastDirectoryWidth = 160;
 
 // The rows are a window of their own within the list; it is the one that takes keys.
 wxWindow* RowsOf(wxListCtrl& list) {
@@ -60,17 +62,21 @@ StepDirectoriesPage::StepDirectoriesPage(wxWindow* parent, FormParts& parts)
   BindList();
   BindEditBoxes();
   EnableButtons();
+  parts.AddEdit([this] {
+    TakeRename();
+    LeaveUserDirectory();
+  });
 }
 
 wxSizer* StepDirectoriesPage::AddUserDirectories() {
   wxStaticText* const label = parts_.AddLabel(this, kUserDirectories);
   list_ = new wxListView(this, wxID_ANY, wxDefaultPosition, FromDIP(wxSize(320, 120)),
-                         wxLC_REPORT | wxLC_SINGLE_SEL);
+                         wxLC_REPORT | wxLC_SINGLE_SEL | wxBORDER_SIMPLE);
   list_->SetName("lvwUserDirectories");
   rows_ = RowsOf(*list_);
   AddColumn(*list_, parts_.Captions(), kNameColumn);
   AddColumn(*list_, parts_.Captions(), kDirectoryColumn);
-  KeepLastColumnFilling(*list_);
+  list_->SetColumnWidth(0, FromDIP(kNameWidth));
   TipCutOffTexts(*list_);
   parts_.Tie(label, rows_);
   delete_ = parts_.AddButton(this, "cmdDeleteUserDir", kDelete, [this] { DeleteDirectory(); });
@@ -91,15 +97,19 @@ wxSizer* StepDirectoriesPage::AddUserDirectories() {
   auto* const images = new wxImageList(1, height, /*mask=*/true, /*initialCount=*/0);
   list_->AssignImageList(images, wxIMAGE_LIST_SMALL);
 
-  auto* const grid = new wxFlexGridSizer(2, wxSize(FromDIP(8), FromDIP(8)));
-  grid->AddGrowableCol(0);
-  grid->AddGrowableRow(0);
   auto* const buttons = new wxBoxSizer(wxVERTICAL);
   buttons->Add(delete_, wxSizerFlags().Expand());
   buttons->Add(rename_, wxSizerFlags().Expand().Border(wxTOP, FromDIP(8)));
-  grid->Add(list_, wxSizerFlags(1).Expand());
+  auto* const box = new wxBoxSizer(wxVERTICAL);
+  box->AddStretchSpacer();
+  box->Add(text_, wxSizerFlags().Expand());
+  box->AddStretchSpacer();
+  auto* const grid = new wxFlexGridSizer(2, wxSize(FromDIP(8), FromDIP(8)));
+  grid->AddGrowableCol(0);
+  grid->AddGrowableRow(0);
+  grid->Add(list_, wxSizerFlags().Expand());
   grid->Add(buttons, wxSizerFlags().Expand());
-  grid->Add(text_, wxSizerFlags().Expand());
+  grid->Add(box, wxSizerFlags().Expand());
   grid->Add(add_, wxSizerFlags().Expand());
   auto* const rows = new wxBoxSizer(wxVERTICAL);
   rows->Add(label);
@@ -126,8 +136,14 @@ void StepDirectoriesPage::BindList() {
     TakeRename();
     event.Skip();
   });
+  list_->Bind(wxEVT_LIST_COL_END_DRAG, [this](wxListEvent& event) {
+    CallAfter([this] { FillColumns(); });
+    event.Skip();
+  });
   list_->Bind(wxEVT_SIZE, [this](wxSizeEvent& event) {
     TakeRename();
+    // The list has its new size once it has seen the event itself.
+    CallAfter([this] { FillColumns(); });
     event.Skip();
   });
   const auto take_on_scroll = [this](wxScrollWinEvent& event) {
@@ -195,7 +211,7 @@ void StepDirectoriesPage::ShowUserDirectories() {
       list_->Select(index);
     }
   }
-  FitColumns(*list_);
+  FillColumns();
   EnableButtons();
 }
 
@@ -210,6 +226,11 @@ void StepDirectoriesPage::EnableButtons() {
   delete_->Enable(selected);
   rename_->Enable(selected);
   add_->Enable(!text_->IsEmpty());
+}
+
+void StepDirectoriesPage::FillColumns() {
+  const int room = rows_->GetClientSize().GetWidth() - list_->GetColumnWidth(0);
+  list_->SetColumnWidth(kDirectory, std::max(room, FromDIP(kLeastDirectoryWidth)));
 }
 
 void StepDirectoriesPage::AddDirectory() {

@@ -35,6 +35,8 @@ class StepDirectoriesPage : public wxPanel {
   // Index of the selected row.
   [[nodiscard]] std::optional<std::size_t> Selected() const;
   void EnableButtons();
+  // The last column takes what the first one leaves.
+  void FillColumns();
 
   void AddDirectory();
   void DeleteDirectory();

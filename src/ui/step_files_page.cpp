@@ -57,6 +57,13 @@ StepFilesPage::StepFilesPage(wxWindow* parent, FormParts& parts) : wxPanel(paren
   parts.Announce(grid_, [&parts] { return ToWx(parts.App().texts.GetText(kFilesToInstall)); });
   rows->Add(grid_, wxSizerFlags(1).Expand().Border(wxTOP, FromDIP(8)));
 
+  // Leaving a cell takes its text. Its editor is the toolkit's own: to the form nothing, or the
+  // list, has the focus.
+  parts.AddEdit([this] {
+    const wxWindow* const focus = FindFocus();
+    if (IsShownOnScreen() && (focus == nullptr || focus == grid_)) grid_->SetFocus();
+  });
+
   hint_ = parts.AddLabel(this, kEmptyList);
   hint_->SetName("lblEmptyList");
   // The list must not jump when the first file comes.
@@ -82,12 +89,14 @@ void StepFilesPage::RefreshFileList() {
 }
 
 bool StepFilesPage::TakeKey(int key_code) {
-  if (key_code == WXK_F5) {
+  const bool scan = key_code == WXK_F5;
+  const bool add = key_code == WXK_INSERT || key_code == WXK_NUMPAD_INSERT;
+  if (!scan && !add) return false;
+  parts_.TakeEdits();
+  if (scan) {
     parts_.Presenter().Scan();
-  } else if (key_code == WXK_INSERT || key_code == WXK_NUMPAD_INSERT) {
-    parts_.Presenter().AddFiles();
   } else {
-    return false;
+    parts_.Presenter().AddFiles();
   }
   return true;
 }

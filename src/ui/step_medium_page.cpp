@@ -78,10 +78,9 @@ wxSizer* StepMediumPage::AddFigures() {
   const auto add_figure = [&](long label_id, const char* name) {
     grid->Add(parts_.AddLabel(frame, label_id));
     auto* const number = new wxStaticText(frame, wxID_ANY, wxString(), wxDefaultPosition,
-                                          wxDefaultSize, wxALIGN_RIGHT | wxST_NO_AUTORESIZE);
+                                          wxDefaultSize, wxALIGN_RIGHT);
     number->SetName(name);
-    // Room for the largest sum: 2^64 bytes have 20 digits.
-    number->SetMinSize(wxSize(number->GetTextExtent("18446744073709551615").GetWidth(), -1));
+    number->SetMinSize(wxSize(number->GetTextExtent("0000000000").GetWidth(), -1));
     grid->Add(number, wxSizerFlags().Expand());
     return number;
   };
@@ -129,6 +128,8 @@ void StepMediumPage::ShowFigures() {
   bytes_->SetLabel(ToWx(steps.total_bytes_label));
   disks_->SetLabel(ToWx(steps.disks_needed_label));
   approximately_->Show(steps.disks_needed_is_estimate);
+  // A sum may need more room than the one before.
+  Layout();
 }
 
 void StepMediumPage::BrowseDirectory() {

@@ -72,6 +72,10 @@ void TypeText(const std::string& ascii);
 int WhileModal(wxDialog& dialog, const std::function<int()>& show,
                const std::function<void()>& action);
 
+// Waits until what was done has closed the dialog. When it has not, the test fails and the dialog
+// is ended with wxID_ABORT: nobody is there to close it.
+void EndUnlessHidden(wxDialog& dialog);
+
 // Whether every control below `window` that is shown has at least the size that its contents need,
 // and lies within its parent; the names of those that do not, one per line.
 std::string ClippedControls(wxWindow& window);

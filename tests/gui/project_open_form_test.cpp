@@ -51,11 +51,6 @@ std::string Choose(FProjectOpen& form, const std::function<void()>& action) {
   return name;
 }
 
-// Whatever a failed test left open must not wait for a user.
-void EndIfOpen(FProjectOpen& form) {
-  if (form.IsModal()) form.EndModal(wxID_CANCEL);
-}
-
 class FProjectOpenInBothLanguages : public testing::TestWithParam<long> {};
 
 TEST_P(FProjectOpenInBothLanguages, ShowsEveryTextAndClipsNothing) {
@@ -165,8 +160,7 @@ TEST(FProjectOpen, ClickingARowEnablesOpenWhichReturnsItsName) {
     ClickAt(OnRow(List(form), 1));
     enabled = WaitFor([&] { return OpenIsEnabled(form); });
     Click(*FindControl(form, "cmdOpen"));
-    EXPECT_TRUE(WaitFor([&] { return !form.IsShown(); }));
-    EndIfOpen(form);
+    EndUnlessHidden(form);
   });
 
   EXPECT_TRUE(enabled);
@@ -187,8 +181,7 @@ TEST(FProjectOpen, ClickingTheEmptySpaceClearsTheChoice) {
     selected = List(form).GetSelectedItemCount();
     enabled = OpenIsEnabled(form);
     Click(*FindControl(form, "cmdCancel"));
-    EXPECT_TRUE(WaitFor([&] { return !form.IsShown(); }));
-    EndIfOpen(form);
+    EndUnlessHidden(form);
   });
 
   EXPECT_EQ(selected, 0);
@@ -207,8 +200,7 @@ TEST(FProjectOpen, ClickingAnotherRowChoosesThatOne) {
     EXPECT_TRUE(WaitFor([&] { return List(form).GetFirstSelected() == 2; }));
     EXPECT_TRUE(OpenIsEnabled(form));
     Click(*FindControl(form, "cmdOpen"));
-    EXPECT_TRUE(WaitFor([&] { return !form.IsShown(); }));
-    EndIfOpen(form);
+    EndUnlessHidden(form);
   });
 
   EXPECT_EQ(name, "Werk");
@@ -220,8 +212,7 @@ TEST(FProjectOpen, DoubleClickingARowOpensIt) {
 
   const std::string name = Choose(form, [&] {
     DoubleClickAt(OnRow(List(form), 0));
-    EXPECT_TRUE(WaitFor([&] { return !form.IsShown(); }));
-    EndIfOpen(form);
+    EndUnlessHidden(form);
   });
 
   EXPECT_EQ(name, "Abfüllung");
@@ -239,8 +230,7 @@ TEST(FProjectOpen, DoubleClickingTheEmptySpaceDoesNothing) {
     EXPECT_TRUE(WaitFor([&] { return !OpenIsEnabled(form); }));
     still_open = form.IsModal();
     PressKey(WXK_ESCAPE);
-    EXPECT_TRUE(WaitFor([&] { return !form.IsShown(); }));
-    EndIfOpen(form);
+    EndUnlessHidden(form);
   });
 
   EXPECT_TRUE(still_open);
@@ -256,8 +246,7 @@ TEST(FProjectOpen, CancelReturnsARowThatWasClickedBefore) {
     ClickAt(OnRow(List(form), 2));
     EXPECT_TRUE(WaitFor([&] { return OpenIsEnabled(form); }));
     Click(*FindControl(form, "cmdCancel"));
-    EXPECT_TRUE(WaitFor([&] { return !form.IsShown(); }));
-    EndIfOpen(form);
+    EndUnlessHidden(form);
   });
 
   EXPECT_EQ(name, "Werk");
@@ -271,8 +260,7 @@ TEST(FProjectOpen, EscapeIsCancelAndNotTheCloseBox) {
     ClickAt(OnRow(List(form), 2));
     EXPECT_TRUE(WaitFor([&] { return OpenIsEnabled(form); }));
     PressKey(WXK_ESCAPE);
-    EXPECT_TRUE(WaitFor([&] { return !form.IsShown(); }));
-    EndIfOpen(form);
+    EndUnlessHidden(form);
   });
 
   EXPECT_EQ(name, "Werk");
@@ -287,8 +275,7 @@ TEST(FProjectOpen, TheCloseBoxReturnsNothing) {
     EXPECT_TRUE(WaitFor([&] { return OpenIsEnabled(form); }));
     // The window manager sends what its close box sends.
     PressKey(WXK_F4, wxMOD_ALT);
-    EXPECT_TRUE(WaitFor([&] { return !form.IsShown(); }));
-    EndIfOpen(form);
+    EndUnlessHidden(form);
   });
 
   EXPECT_EQ(name, "");
@@ -300,8 +287,7 @@ TEST(FProjectOpen, CancelWithoutAClickReturnsNothing) {
 
   const std::string name = Choose(form, [&] {
     PressKey(WXK_ESCAPE);
-    EXPECT_TRUE(WaitFor([&] { return !form.IsShown(); }));
-    EndIfOpen(form);
+    EndUnlessHidden(form);
   });
 
   EXPECT_EQ(name, "");
@@ -319,8 +305,7 @@ TEST(FProjectOpen, ArrowsChooseFromTheFirstRowOnAndEnterOpens) {
     PressKey(WXK_DOWN);
     EXPECT_TRUE(WaitFor([&] { return List(form).GetFirstSelected() == 1; }));
     PressKey(WXK_RETURN);
-    EXPECT_TRUE(WaitFor([&] { return !form.IsShown(); }));
-    EndIfOpen(form);
+    EndUnlessHidden(form);
   });
 
   EXPECT_EQ(first, 0);
@@ -339,8 +324,7 @@ TEST(FProjectOpen, EnterDoesNothingWhileNoRowIsChosen) {
     EXPECT_TRUE(WaitFor([&] { return OpenIsEnabled(form); }));
     still_open = form.IsModal();
     PressKey(WXK_F4, wxMOD_ALT);
-    EXPECT_TRUE(WaitFor([&] { return !form.IsShown(); }));
-    EndIfOpen(form);
+    EndUnlessHidden(form);
   });
 
   EXPECT_TRUE(still_open);
@@ -359,8 +343,7 @@ TEST(FProjectOpen, WithoutProjectsOpenStaysDisabledAndEnterLeaves) {
     EXPECT_TRUE(form.IsModal());
     FindControl(form, "cmdCancel")->SetFocus();
     PressKey(WXK_RETURN);
-    EXPECT_TRUE(WaitFor([&] { return !form.IsShown(); }));
-    EndIfOpen(form);
+    EndUnlessHidden(form);
   });
 
   EXPECT_FALSE(enabled);
@@ -375,8 +358,7 @@ TEST(FProjectOpen, AccessKeysPressTheButtons) {
     ClickAt(OnRow(List(form), 1));
     EXPECT_TRUE(WaitFor([&] { return OpenIsEnabled(form); }));
     PressKey('F', wxMOD_ALT);
-    EXPECT_TRUE(WaitFor([&] { return !form.IsShown(); }));
-    EndIfOpen(form);
+    EndUnlessHidden(form);
   });
 
   EXPECT_EQ(name, "Kessel & Pumpe");
@@ -425,8 +407,7 @@ TEST(FProjectOpen, ItsSizeIsThatOfTheLastTime) {
       LetEventsRun();
       before = form.GetSize();
       PressKey(WXK_ESCAPE);
-      EXPECT_TRUE(WaitFor([&] { return !form.IsShown(); }));
-      EndIfOpen(form);
+      EndUnlessHidden(form);
     });
   }
 
