@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <iterator>
 #include <utility>
 
 #include "ui/file_grid_native.h"
@@ -293,18 +294,28 @@ void FileGrid::RemoveRows(const std::vector<std::size_t>& removed) {
   const int selected_before = GetSelectedItemsCount();
   {
     const SelectionEventsSuppressor silence(this);
+    // Before anything goes: the control would select the row behind a deleted current one, and
+    // nothing else.
+    MakeSurvivorCurrent(removed);
     for (auto row = removed.rbegin(); row != removed.rend(); ++row) {
       rows_->RowDeleted(static_cast<unsigned int>(*row - 1));
     }
-    const std::size_t rows = files_.RowCount();
-    if (rows > 0) {
-      // Row numbers count from 1: what followed the last deleted row has its number less those
-      // deleted before it.
-      const std::size_t following = std::min(removed.back() - removed.size() + 1, rows);
-      SetCurrentItem(rows_->GetItem(static_cast<unsigned int>(following - 1)));
-    }
+    const wxDataViewItem current = GetCurrentItem();
+    if (current.IsOk()) ScrollToRow(*this, rows_->GetRow(current));
   }
   if (GetSelectedItemsCount() != selected_before) AnnounceSelection();
+}
+
+// The row behind the last of `removed` (ascending), or before it when none follows.
+void FileGrid::MakeSurvivorCurrent(const std::vector<std::size_t>& removed) {
+  std::size_t survivor = removed.back() + 1;
+  if (survivor > rows_->GetCount()) {
+    survivor = removed.back() - 1;
+    for (auto row = std::next(removed.rbegin()); row != removed.rend() && *row == survivor; ++row) {
+      --survivor;
+    }
+  }
+  if (survivor > 0) SetCurrentItem(rows_->GetItem(static_cast<unsigned int>(survivor - 1)));
 }
 
 void FileGrid::ResetRows() {
@@ -349,9 +360,8 @@ void FileGrid::ShowFirstMark() {
   if (marked == files_.Rows().end()) return;
   const auto index = static_cast<unsigned int>(marked - files_.Rows().begin());
   if (index >= rows_->GetCount()) return;
-  const wxDataViewItem item = rows_->GetItem(index);
-  SetCurrentItem(item);
-  EnsureVisible(item);
+  SetCurrentItem(rows_->GetItem(index));
+  ScrollToRow(*this, index);
 }
 
 void FileGrid::AnnounceSelection() {
