@@ -200,6 +200,7 @@ const std::vector<Form> kForms = {
     {"Open-Project dialog", {11, 13}},
     {"Options dialog", {10, 11, 12, 803}},
     {"Take-note dialog", {10, 12}},
+    {"state windows", {10, 11, 1960, 1961}},
     {"message box", {10, 11, 12, 1978, 1979}},
 };
 
