@@ -1,3 +1,39 @@
 #include "ui/wx_shell.h"
 
-namespace txs {}  // namespace txs
+#include <wx/evtloop.h>
+#include <wx/utils.h>
+
+#include "environment/runtime_error.h"
+#include "ui/project_open_form.h"
+#include "ui/setup_wizard_form.h"
+#include "ui/wx_text.h"
+
+namespace txs {
+
+std::string WxShell::ChooseProject(Application& application) {
+  return FProjectOpen(nullptr, application).ProjectName();
+}
+
+void WxShell::RunMainForm(Application& application) {
+  DesktopHelpViewer help(application.platform.host_paths);
+  wxEventLoop loop;
+  // Deletes itself when it is closed.
+  auto* const form = new FSetupWizard(application, help);
+  form->Bind(wxEVT_DESTROY, [&loop, form](wxWindowDestroyEvent& event) {
+    // Those of the controls come along here too.
+    if (event.GetEventObject() == form) loop.ScheduleExit();
+    event.Skip();
+  });
+  form->Show();
+  loop.Run();
+}
+
+bool DesktopHelpViewer::Open(const std::string& help_file, int /*topic*/) {
+  try {
+    return wxLaunchDefaultApplication(ToWx(paths_.HostPath(help_file)));
+  } catch (const RuntimeError&) {
+    return false;
+  }
+}
+
+}  // namespace txs

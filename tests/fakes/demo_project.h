@@ -46,7 +46,7 @@ inline void InstallDemoProject(MemoryPlatform& world,
   world.files.AddFile("C:\\TavixStudio\\SetupKit\\SETUP.EXE", "engine");
   world.RegisterProject("Demo", directory, "Single");
   world.files.AddFile("C:\\Projects\\Demo\\Demo.swz", DemoSettings());
-  world.files.AddFile("C:\\Projects\\Demo\\Demo.exe", std::string(5000, 'x') + "program");
+  world.files.AddFile("C:\\Projects\\Demo\\Demo.exe", std::string(5000, 'x').append("program"));
   world.files.AddFile("C:\\Projects\\Demo\\Trend.ocx", Noise(700, 1));
   world.files.AddFile("C:\\Projects\\Demo\\leer.txt", "");
 }

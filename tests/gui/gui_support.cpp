@@ -1,10 +1,12 @@
 #include "gui/gui_support.h"
 
 #include <wx/bitmap.h>
+#include <wx/bookctrl.h>
 #include <wx/dcmemory.h>
 #include <wx/dcscreen.h>
 #include <wx/evtloop.h>
 #include <wx/image.h>
+#include <wx/stattext.h>
 #include <wx/uiaction.h>
 #include <wx/utils.h>
 
@@ -25,10 +27,18 @@ void Move(const wxPoint& on_screen) {
   WaitFor([&] { return wxGetMousePosition() == on_screen; }, 2);
 }
 
+// A label that is cut on purpose needs no width.
+wxSize NeededSize(wxWindow& control) {
+  wxSize needed = control.GetBestSize();
+  const auto* const text = dynamic_cast<wxStaticText*>(&control);
+  if (text != nullptr && text->IsEllipsized()) needed.SetWidth(0);
+  return needed;
+}
+
 void CollectClipped(wxWindow& window, std::string& names) {
   for (wxWindow* const child : window.GetChildren()) {
     if (!child->IsShown() || child->IsTopLevel()) continue;
-    const wxSize needed = child->GetBestSize();
+    const wxSize needed = NeededSize(*child);
     const wxSize has = child->GetSize();
     const wxSize room = window.GetClientSize();
     const wxPoint at = child->GetPosition();
@@ -37,8 +47,11 @@ void CollectClipped(wxWindow& window, std::string& names) {
         dynamic_cast<wxControl*>(child) != nullptr && !child->GetLabel().empty();
     const bool too_small =
         shows_text && (has.GetWidth() < needed.GetWidth() || has.GetHeight() < needed.GetHeight());
-    const bool outside = at.x < 0 || at.y < 0 || at.x + has.GetWidth() > room.GetWidth() ||
-                         at.y + has.GetHeight() > room.GetHeight();
+    // A book counts its pages' positions from its tabs, its room without them.
+    const bool is_page = dynamic_cast<wxBookCtrlBase*>(&window) != nullptr;
+    const bool outside =
+        !is_page && (at.x < 0 || at.y < 0 || at.x + has.GetWidth() > room.GetWidth() ||
+                     at.y + has.GetHeight() > room.GetHeight());
     if (too_small || outside) {
       names += child->GetName().utf8_string() + " '" + child->GetLabel().utf8_string() + "' has " +
                std::to_string(has.GetWidth()) + "x" + std::to_string(has.GetHeight()) + ", needs " +

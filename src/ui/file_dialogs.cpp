@@ -1,0 +1,92 @@
+#include "ui/file_dialogs.h"
+
+#include <wx/dirdlg.h>
+#include <wx/filedlg.h>
+
+#include "document/path_variables.h"
+#include "environment/runtime_error.h"
+#include "environment/windows_path.h"
+#include "ui/wx_text.h"
+
+namespace txs {
+namespace {
+
+constexpr long kOutsideOfDrives = 1925;
+constexpr long kChooseSetupDirectory = 1926;
+// A box that names more would not fit on the screen.
+constexpr std::size_t kMostNamed = 10;
+
+// The nearest folder at or above `directory` that exists, in the host's name; empty when none does.
+std::string HostFolder(const Application& application, std::string directory) {
+  try {
+    while (!directory.empty()) {
+      const std::string folder = directory.back() == ':' ? directory + "\\" : directory;
+      if (application.platform.files.FolderExists(folder)) {
+        return application.platform.host_paths.HostPath(folder);
+      }
+      std::string parent = ParentFolder(directory);
+      if (parent.size() >= directory.size()) break;
+      directory = std::move(parent);
+    }
+  } catch (const RuntimeError&) {
+    // The dialog then opens where the host likes.
+  }
+  return {};
+}
+
+}  // namespace
+
+std::vector<std::string> WindowsPaths(Application& application,
+                                      const std::vector<std::string>& host_paths) {
+  std::vector<std::string> paths;
+  std::string outside;
+  std::size_t outside_count = 0;
+  for (const std::string& host_path : host_paths) {
+    try {
+      paths.push_back(application.platform.host_paths.WindowsPath(host_path));
+    } catch (const RuntimeError&) {
+      if (++outside_count <= kMostNamed) outside += "\r\n" + host_path;
+    }
+  }
+  if (outside_count > kMostNamed) outside += "\r\n...";
+  if (outside_count > 0) ShowWarning(application, kOutsideOfDrives, {outside});
+  return paths;
+}
+
+std::vector<std::string> AskForFiles(wxWindow* parent, Application& application,
+                                     const FileQuestion& question) {
+  const long style = wxFD_OPEN | wxFD_FILE_MUST_EXIST | (question.several ? wxFD_MULTIPLE : 0);
+  wxFileDialog dialog(parent, ToWx(question.title),
+                      ToWx(HostFolder(application, question.directory)), wxString(),
+                      ToWx(HostFilter(question.filter)), style);
+  if (dialog.ShowModal() != wxID_OK) return {};
+  wxArrayString chosen;
+  if (question.several) {
+    dialog.GetPaths(chosen);
+  } else {
+    chosen.Add(dialog.GetPath());
+  }
+  std::vector<std::string> host_paths;
+  for (const wxString& path : chosen) host_paths.push_back(FromWx(path));
+  return WindowsPaths(application, host_paths);
+}
+
+std::optional<std::string> AskForSetupDirectory(wxWindow* parent, Application& application,
+                                                const std::string& directory) {
+  try {
+    const PathVariableList& variables = application.document.path_variables;
+    wxDirDialog dialog(parent, ToWx(application.texts.GetText(kChooseSetupDirectory)),
+                       ToWx(HostFolder(application, FromVariableForm(variables, directory))));
+    if (dialog.ShowModal() != wxID_OK) return std::nullopt;
+    const std::vector<std::string> chosen = WindowsPaths(application, {FromWx(dialog.GetPath())});
+    if (chosen.empty()) return std::nullopt;
+    // A name behind the directory makes the directory itself what is converted.
+    const std::string answer = ParentFolder(
+        ToVariableForm(variables, JoinPath(chosen.front(), "x"), VariableForm::kWholePath));
+    return answer.ends_with(':') ? answer + "\\" : answer;
+  } catch (const RuntimeError&) {
+    return std::nullopt;
+  }
+}
+
+}  // namespace txs
