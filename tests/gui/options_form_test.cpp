@@ -294,6 +294,7 @@ TEST(FOptions, TheListGrowsWithTheDialogAndItsSizeIsThatOfTheLastTime) {
       const wxSize list = List(form).GetSize();
       form.SetSize(form.GetSize() + form.FromDIP(wxSize(90, 70)));
       grown = WaitFor([&] { return List(form).GetSize() == list + form.FromDIP(wxSize(90, 70)); });
+      EXPECT_TRUE(WaitFor([&] { return IsInPlace(form); }));
       before = form.GetSize();
       PressKey(WXK_ESCAPE);
       EndUnlessHidden(form);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <wx/display.h>
 #include <wx/frame.h>
+#include <wx/menu.h>
 
 #include <optional>
 #include <vector>
@@ -29,7 +30,7 @@ TEST(RememberedWindow, ComesBackInItsSizeWithItsColumns) {
     RememberedFrame window;
     ShowAndActivate(window.form);
     window.form.SetSize(window.form.FromDIP(wxSize(640, 480)));
-    LetEventsRun();
+    EXPECT_TRUE(WaitFor([&] { return IsInPlace(window.form); }));
     before = window.form.GetSize();
     KeepWindow(window.form, registry, kName, {120, 80});
   }
@@ -40,6 +41,32 @@ TEST(RememberedWindow, ComesBackInItsSizeWithItsColumns) {
 
   EXPECT_EQ(columns, (std::vector<int>{120, 80}));
   EXPECT_TRUE(WaitFor([&] { return again.form.GetSize() == before; }));
+}
+
+// It grew by its frame from session to session.
+TEST(RememberedWindow, HasTheKeptSizeOnTheScreenToo) {
+  MemoryRegistry registry;
+  RememberWindow(registry, kName, {.width = 640, .height = 480, .maximized = false, .columns = {}});
+  RememberedFrame window;
+
+  RestoreWindow(window.form, registry, kName);
+  ShowAndActivate(window.form);
+
+  EXPECT_EQ(window.form.ToDIP(window.form.GetClientSize()), wxSize(640, 480));
+}
+
+TEST(RememberedWindow, AMenuBarDoesNotCountTwice) {
+  MemoryRegistry registry;
+  RememberWindow(registry, kName, {.width = 640, .height = 480, .maximized = false, .columns = {}});
+  RememberedFrame window;
+  auto* const menus = new wxMenuBar;
+  menus->Append(new wxMenu, "menu");
+  window.form.SetMenuBar(menus);
+
+  RestoreWindow(window.form, registry, kName);
+  ShowAndActivate(window.form);
+
+  EXPECT_EQ(window.form.ToDIP(window.form.GetClientSize()), wxSize(640, 480));
 }
 
 TEST(RememberedWindow, AFormThatWasNeverKeptStaysAsItIs) {
@@ -62,8 +89,14 @@ TEST(RememberedWindow, IsNeverSmallerThanItsMinimumNorLargerThanTheScreen) {
   RememberedFrame large;
   RestoreWindow(large.form, registry, kName);
 
-  EXPECT_EQ(small.form.GetSize(), small.form.GetMinSize());
-  EXPECT_EQ(large.form.GetSize(), wxDisplay(&large.form).GetClientArea().GetSize());
+  ShowAndActivate(small.form);
+  ShowAndActivate(large.form);
+
+  EXPECT_EQ(small.form.GetMinSize(), small.form.GetSize());
+  const wxRect screen = wxDisplay(&large.form).GetClientArea();
+  EXPECT_LE(large.form.GetClientSize().GetWidth(), screen.GetWidth());
+  EXPECT_LE(large.form.GetClientSize().GetHeight(), screen.GetHeight());
+  EXPECT_GT(large.form.GetClientSize().GetWidth(), screen.GetWidth() / 2);
 }
 
 TEST(RememberedWindow, AMaximizedOneComesBackMaximizedAndKeepsTheSizeOfTheSessionBefore) {

@@ -352,6 +352,7 @@ TEST(FSearchFile, TheListsGrowWithTheDialogAndItsSizeIsThatOfTheLastTime) {
         return now.GetWidth() > folders.GetWidth() &&
                now.GetHeight() == folders.GetHeight() + dialog.form.FromDIP(70);
       });
+      EXPECT_TRUE(WaitFor([&] { return IsInPlace(dialog.form); }));
       before = dialog.form.GetSize();
       PressKey(WXK_ESCAPE);
       EndUnlessHidden(dialog.form);
@@ -382,7 +383,7 @@ SearchFileAnswer Ask(SearchFileForms& forms, wxWindow& parent, const SearchFileR
     FSearchFile* form = nullptr;
     EXPECT_TRUE(WaitFor([&] {
       form = OpenDialog();
-      return form != nullptr && form->IsActive();
+      return form != nullptr && form->IsActive() && IsInPlace(*form);
     }));
     if (form == nullptr) return;
     acted = true;
