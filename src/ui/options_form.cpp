@@ -42,6 +42,7 @@ FOptions::FOptions(wxWindow* parent, Application& application, HelpViewer& help)
   variables_->SetName("lvwVariables");
   AddColumn(*variables_, captions, 810);
   AddColumn(*variables_, captions, 811);
+  KeepLastColumnStretched(*variables_);
   list_frame->Add(variables_, wxSizerFlags(1).Expand().Border(wxALL, gap));
   variable_ = new wxTextCtrl(list_frame->GetStaticBox(), wxID_ANY);
   variable_->SetName("txtVariable");

@@ -60,6 +60,7 @@ void FProjectOpen::MakeControls() {
   AddColumn(*list_, captions, 610);
   AddColumn(*list_, captions, 611);
   AddColumn(*list_, captions, 612);
+  KeepLastColumnStretched(*list_);
   hint_ = new wxStaticText(RowArea(*list_), wxID_ANY, wxEmptyString, wxDefaultPosition,
                            wxDefaultSize, wxALIGN_CENTRE_HORIZONTAL);
   hint_->SetName("lblNoProjects");
