@@ -475,7 +475,7 @@ class WhenInactive : public wxTimer {
 TEST_F(StateScan, AMessageBoxInTheMiddleOfTheRunIsAnswered) {
   Begin();
   form_->ShowBusy(/*busy=*/true);
-  WxMessageBoxes boxes("Setup", /*open_help=*/{});
+  WxMessageBoxes boxes("Setup");
   WhenInactive answer(*form_, [] { PressKey(WXK_RETURN); });
 
   const MessageResult result =
