@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <iterator>
 #include <utility>
 
 #include "ui/file_grid_native.h"
@@ -27,12 +28,12 @@ struct ColumnStyle {
 
 // Cut off in the middle: the variable in front and the file's name behind both stay visible.
 constexpr std::array<ColumnStyle, kFileColumnCount> kColumns = {{
-    {FileColumn::kSource, 330, wxALIGN_LEFT, wxELLIPSIZE_MIDDLE, true},
+    {FileColumn::kSource, 310, wxALIGN_LEFT, wxELLIPSIZE_MIDDLE, true},
     {FileColumn::kDestination, 190, wxALIGN_LEFT, wxELLIPSIZE_MIDDLE, true},
     {FileColumn::kLength, 90, wxALIGN_RIGHT, wxELLIPSIZE_END, false},
-    {FileColumn::kDisk, 60, wxALIGN_LEFT, wxELLIPSIZE_END, false},
-    {FileColumn::kCompressed, 120, wxALIGN_LEFT, wxELLIPSIZE_END, false},
-    {FileColumn::kRegister, 80, wxALIGN_LEFT, wxELLIPSIZE_END, true},
+    {FileColumn::kDisk, 80, wxALIGN_LEFT, wxELLIPSIZE_END, false},
+    {FileColumn::kCompressed, 130, wxALIGN_LEFT, wxELLIPSIZE_END, false},
+    {FileColumn::kRegister, 100, wxALIGN_LEFT, wxELLIPSIZE_END, true},
 }};
 
 unsigned int ModelColumn(FileColumn column) { return static_cast<unsigned int>(column) - 1; }
@@ -198,6 +199,10 @@ void FileGrid::StartEdit(std::size_t row, FileColumn column) {
   shown->GetRenderer()->SetMode(wxDATAVIEW_CELL_INERT);
 }
 
+void FileGrid::TakeEdit() {
+  if (editing_) TakeOpenEdit(*this);
+}
+
 void FileGrid::UpdateMarkStyle() {
   // Bold as well: a colour alone says nothing to everybody.
   const bool dark = wxSystemSettings::GetAppearance().IsUsingDarkBackground();
@@ -277,8 +282,9 @@ void FileGrid::RefreshRows() {
   const std::size_t rows = files_.RowCount();
   if (rows < shown) {
     const std::vector<std::size_t> removed = FindRemoved();
-    if (!IsGoneAfter(removed)) {
-      // Rows were deleted and others changed at once: no telling which row is which.
+    // Without a survivor the control would look for a new current row after each deletion, which
+    // takes seconds. And when others were changed at once, there is no telling which row is which.
+    if (rows == 0 || !IsGoneAfter(removed)) {
       ResetRows();
       return;
     }
@@ -293,18 +299,28 @@ void FileGrid::RemoveRows(const std::vector<std::size_t>& removed) {
   const int selected_before = GetSelectedItemsCount();
   {
     const SelectionEventsSuppressor silence(this);
+    // Before anything goes: the control would select the row behind a deleted current one, and
+    // nothing else.
+    MakeSurvivorCurrent(removed);
     for (auto row = removed.rbegin(); row != removed.rend(); ++row) {
       rows_->RowDeleted(static_cast<unsigned int>(*row - 1));
     }
-    const std::size_t rows = files_.RowCount();
-    if (rows > 0) {
-      // Row numbers count from 1: what followed the last deleted row has its number less those
-      // deleted before it.
-      const std::size_t following = std::min(removed.back() - removed.size() + 1, rows);
-      SetCurrentItem(rows_->GetItem(static_cast<unsigned int>(following - 1)));
-    }
+    const wxDataViewItem current = GetCurrentItem();
+    if (current.IsOk()) ScrollToRow(*this, rows_->GetRow(current));
   }
   if (GetSelectedItemsCount() != selected_before) AnnounceSelection();
+}
+
+// The row behind the last of `removed` (ascending), or before it when none follows. One is left.
+void FileGrid::MakeSurvivorCurrent(const std::vector<std::size_t>& removed) {
+  std::size_t survivor = removed.back() + 1;
+  if (survivor > rows_->GetCount()) {
+    survivor = removed.back() - 1;
+    for (auto row = std::next(removed.rbegin()); row != removed.rend() && *row == survivor; ++row) {
+      --survivor;
+    }
+  }
+  SetCurrentItem(rows_->GetItem(static_cast<unsigned int>(survivor - 1)));
 }
 
 void FileGrid::ResetRows() {
@@ -349,9 +365,8 @@ void FileGrid::ShowFirstMark() {
   if (marked == files_.Rows().end()) return;
   const auto index = static_cast<unsigned int>(marked - files_.Rows().begin());
   if (index >= rows_->GetCount()) return;
-  const wxDataViewItem item = rows_->GetItem(index);
-  SetCurrentItem(item);
-  EnsureVisible(item);
+  SetCurrentItem(rows_->GetItem(index));
+  ScrollToRow(*this, index);
 }
 
 void FileGrid::AnnounceSelection() {

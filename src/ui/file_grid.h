@@ -52,6 +52,9 @@ class FileGrid : public wxDataViewCtrl {
   // Opens the editor of a cell. A beep when the column is computed; nothing when there is no such
   // row.
   void StartEdit(std::size_t row, FileColumn column);
+  [[nodiscard]] bool IsEditing() const { return editing_; }
+  // Takes the text of an open edit, as Enter does: before the list is saved, checked or left.
+  void TakeEdit();
 
  private:
   class Rows;
@@ -63,6 +66,7 @@ class FileGrid : public wxDataViewCtrl {
   void EditCurrentCell();
   void UpdateMarkStyle();
   void RemoveRows(const std::vector<std::size_t>& removed);
+  void MakeSurvivorCurrent(const std::vector<std::size_t>& removed);
   void RememberRows();
   void RememberRow(std::size_t row);
   [[nodiscard]] bool IsGoneAfter(const std::vector<std::size_t>& removed) const;

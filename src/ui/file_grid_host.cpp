@@ -1,5 +1,7 @@
 #include <gtk/gtk.h>
 
+#include <algorithm>
+
 #include "ui/file_grid_native.h"
 
 namespace txs {
@@ -62,12 +64,20 @@ void OnMenuOpened(GtkEntry* editor, GtkWidget* menu, gpointer /*data*/) {
   g_signal_connect_object(menu, "unmap", G_CALLBACK(OnMenuHidden), editor, GConnectFlags{});
 }
 
+void TakeEdit(GtkWidget* editor, gpointer /*data*/) {
+  if (!GTK_IS_CELL_EDITABLE(editor)) return;
+  // Who listens to the edit may take the editor away.
+  g_object_ref(editor);
+  gtk_cell_editable_editing_done(GTK_CELL_EDITABLE(editor));
+  gtk_cell_editable_remove_widget(GTK_CELL_EDITABLE(editor));
+  g_object_unref(editor);
+}
+
 // Runs before the toolkit's own handler of the lost focus, which drops the edit.
 gboolean OnEditorEvent(GtkWidget* editor, GdkEvent* event, gpointer /*data*/) {
   const bool leaves = event->type == GDK_FOCUS_CHANGE && event->focus_change.in == FALSE;
   if (leaves && g_object_get_data(G_OBJECT(editor), kMenuOpen) == nullptr) {
-    gtk_cell_editable_editing_done(GTK_CELL_EDITABLE(editor));
-    gtk_cell_editable_remove_widget(GTK_CELL_EDITABLE(editor));
+    TakeEdit(editor, nullptr);
   }
   return FALSE;
 }
@@ -90,6 +100,29 @@ void ShowCutTextsAsTooltips(wxDataViewCtrl& list) {
 void TakeEditsWhenLeft(wxDataViewTextRenderer& renderer) {
   g_signal_connect(renderer.GtkGetTextRenderer(), "editing-started", G_CALLBACK(OnEditingStarted),
                    nullptr);
+}
+
+void TakeOpenEdit(wxDataViewCtrl& list) {
+  // The list's only child that can be edited is the editor.
+  gtk_container_foreach(GTK_CONTAINER(list.GtkGetTreeView()), TakeEdit, nullptr);
+}
+
+void ScrollToRow(wxDataViewCtrl& list, unsigned int row) {
+  GtkTreeView* const view = GTK_TREE_VIEW(list.GtkGetTreeView());
+  GtkTreePath* const path = gtk_tree_path_new_from_indices(static_cast<gint>(row), -1);
+  // Before the rows are laid out, this notes where to scroll to.
+  gtk_tree_view_scroll_to_cell(view, path, nullptr, FALSE, 0, 0);
+  if (gtk_widget_get_realized(GTK_WIDGET(view)) != FALSE) {
+    GdkRectangle area;
+    gtk_tree_view_get_background_area(view, path, nullptr, &area);
+    gint top = 0;
+    gtk_tree_view_convert_bin_window_to_tree_coords(view, 0, area.y, nullptr, &top);
+    GtkAdjustment* const scroll = gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(view));
+    const double lowest = top + area.height - gtk_adjustment_get_page_size(scroll);
+    const double value = gtk_adjustment_get_value(scroll);
+    gtk_adjustment_set_value(scroll, std::min(std::max(value, lowest), static_cast<double>(top)));
+  }
+  gtk_tree_path_free(path);
 }
 
 int GivenWidth(const wxDataViewColumn& column) {

@@ -7,10 +7,12 @@
 namespace txs {
 namespace {
 
-// The widget that takes the keys: a list stands in a scrolled window of its own.
+// The widget that takes the keys: a list stands in a scrolled window of its own, which could take
+// the focus but passes it on.
 GtkWidget* FocusWidget(wxWindow& window) {
   GtkWidget* widget = window.GetHandle();
-  while (widget != nullptr && GTK_IS_BIN(widget) && !gtk_widget_get_can_focus(widget)) {
+  while (widget != nullptr && GTK_IS_BIN(widget) &&
+         (GTK_IS_SCROLLED_WINDOW(widget) || !gtk_widget_get_can_focus(widget))) {
     GtkWidget* const child = gtk_bin_get_child(GTK_BIN(widget));
     if (child == nullptr) break;
     widget = child;
