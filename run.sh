@@ -7,14 +7,15 @@
 #   ./run.sh projects     the registered projects
 #   ./run.sh tool ARGS    TXSetupTool on the scratch copy, for example
 #                         ./run.sh tool plan 'Leitstand Client'
-#   ./run.sh wizard ARGS  TXSetupWizard on the scratch copy, for example
-#                         ./run.sh wizard '/c=Kläranlage Server'
+#   ./run.sh wizard       opens the wizard on the scratch copy; takes a display
+#   ./run.sh wizard ARGS  the same with a command line, for example
+#                         ./run.sh wizard 'Leitstand Client'      opens this project
+#                         ./run.sh wizard '/c=Kläranlage Server'  unattended, without a window
 #   ./run.sh --help       this text
 set -eu
 cd "$(dirname "$0")"
 
 project='Mischanlage Süd'
-build=build/run
 studio=$PWD/build/run-studio
 
 command=${1:-show}
@@ -31,12 +32,43 @@ case $command in
 esac
 [ $# -eq 0 ] || shift
 
+# A switch opens no window: /c= builds unattended, any other is refused.
+windows=no
+if [ "$command" = wizard ]; then
+  case ${1:-} in
+    -* | /*) ;;
+    *) windows=yes ;;
+  esac
+fi
+if [ "$windows" = yes ] && [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+  cat >&2 << NO_DISPLAY
+$0: the wizard opens windows, and there is no display.
+  - In a desktop session, open a terminal there and run it again.
+  - From another computer: ssh -X $(id -un)@$(hostname), then run it again.
+  - To have a look without a screen: tools/screenshots.sh takes pictures of every window.
+Without windows: $0 wizard '/c=$project'
+NO_DISPLAY
+  exit 1
+fi
+
+# The windows have a build of their own, so that everything else does without the toolkit.
+if [ "$windows" = yes ]; then
+  build=build/run-ui
+  preset=dev
+  groups='build ui'
+else
+  build=build/run
+  preset=core
+  groups=build
+fi
+
 # Building says little and goes to standard error, so that the output of a command stays its own.
-tools/install_packages.sh build
+# shellcheck disable=SC2086 # one word per group
+tools/install_packages.sh $groups
 mkdir -p build
 [ -e "$build/build.ninja" ] || echo "Building; the first time takes a minute or two." >&2
 {
-  cmake --preset core -B "$build" -D TXS_TESTS=OFF -D TXS_BENCHMARKS=OFF > build/run.log 2>&1 &&
+  cmake --preset "$preset" -B "$build" -D TXS_TESTS=OFF -D TXS_BENCHMARKS=OFF > build/run.log 2>&1 &&
     cmake --build "$build" --target TXSetupWizard TXSetupTool make_sample_binaries \
       >> build/run.log 2>&1
 } || {
@@ -113,6 +145,7 @@ cat << NEXT
 Next:
   ./run.sh projects                         the other projects of the sample studio
   ./run.sh tool plan 'Kläranlage Server'    which file would go on which disk
+  ./run.sh wizard                           the wizard itself, in its windows
   ./run.sh wizard '/c=Leitstand Client'     another unattended run
   ./test.sh                                 build everything and run the tests
 On your own studio: export TAVIX_ROOT=DIRECTORY (see docs/formats/registry-file.md), then

@@ -9,19 +9,20 @@
 #include "startup/console_message_boxes.h"
 #include "startup/display_message_boxes.h"
 #include "startup/message_routing.h"
-#include "startup/no_windows_shell.h"
+#include "startup/module_shell.h"
 #include "startup/program_place.h"
 #include "startup/start_routine.h"
 #include "startup/window_module.h"
 
 namespace {
 
-int RunProgram(const std::string& command_line, txs::MessageBoxes& boxes) {
+int RunProgram(const std::string& command_line, txs::MessageBoxes& boxes,
+               txs::WindowModule& module) {
   const std::unique_ptr<txs::OwnedPlatform> owned = txs::MakeHostPlatform(boxes);
   txs::Platform& platform = owned->Get();
   platform.tools.Initialize(txs::ThisApplication());
   txs::RoutedMessages messages(platform);
-  txs::NoWindowsShell shell;
+  txs::ModuleShell shell(module);
   txs::SilentCreateView view;
   return txs::RunStartRoutine(platform, messages, shell, view, command_line);
 }
@@ -30,12 +31,12 @@ int RunProgram(const std::string& command_line, txs::MessageBoxes& boxes) {
 
 int main(int argc, char** argv) {
   txs::ConsoleMessageBoxes console(std::cerr, txs::kApplicationTitle);
-  txs::DisplayMessageBoxes boxes(console,
-                                 [] { return txs::OpenWindowModule(txs::kApplicationTitle); });
+  txs::WindowModule module([] { return txs::OpenWindowModule(txs::kApplicationTitle); });
+  txs::DisplayMessageBoxes boxes(console, module);
   std::string command_line;
   try {
     command_line = txs::JoinArguments(argc, argv);
-    return RunProgram(command_line, boxes);
+    return RunProgram(command_line, boxes, module);
   } catch (const std::exception& error) {
     // The registry cannot be read, or memory ran out before there was anything to work on. In which
     // language to say so is not known.

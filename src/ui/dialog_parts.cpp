@@ -10,6 +10,8 @@ namespace txs {
 namespace {
 
 constexpr int kGapDip = 8;
+// What the row of buttons keeps from the dialog's edges by itself.
+constexpr int kEdgeDip = 12;
 // What the list leaves free on both sides of a text.
 constexpr int kCellMarginDip = 8;
 
@@ -66,11 +68,12 @@ wxButton& AddDialogButton(wxDialog& dialog, FormCaptions& captions, wxWindowID i
 }
 
 void FinishDialog(wxDialog& dialog, wxSizer* content, wxStdDialogButtonSizer* buttons) {
-  const int gap = dialog.FromDIP(kGapDip);
+  const int edge = dialog.FromDIP(kEdgeDip);
   buttons->Realize();
   auto* const rows = new wxBoxSizer(wxVERTICAL);
-  rows->Add(content, wxSizerFlags(1).Expand().Border(wxALL, gap));
-  rows->Add(buttons, wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, gap));
+  rows->Add(content, wxSizerFlags(1).Expand().Border(wxLEFT | wxTOP | wxRIGHT, edge));
+  rows->AddSpacer(dialog.FromDIP(kGapDip));
+  rows->Add(buttons, wxSizerFlags().Expand().Border(wxBOTTOM, dialog.FromDIP(kGapDip)));
   dialog.SetSizerAndFit(rows);
   dialog.SetIcons(ApplicationIcons());
   dialog.CentreOnParent();
@@ -97,12 +100,16 @@ int FitColumns(wxListView& list) {
     list.SetColumnWidth(column, wxLIST_AUTOSIZE_USEHEADER);
     needed += list.GetColumnWidth(column);
   }
-  // The list has its new size once it has seen the event itself.
+  StretchLastColumn(list);
+  return needed;
+}
+
+void KeepLastColumnStretched(wxListView& list) {
   list.Bind(wxEVT_SIZE, [&list](wxSizeEvent& event) {
     event.Skip();
+    // The list has its new size once it has seen the event itself.
     list.CallAfter([&list] { StretchLastColumn(list); });
   });
-  return needed;
 }
 
 void TipCutOffTexts(wxListView& list) {

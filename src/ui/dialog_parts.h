@@ -29,10 +29,12 @@ void AddColumn(wxListView& list, FormCaptions& captions, long id);
 // The window in which a list shows its rows: the list itself where the platform draws it.
 [[nodiscard]] wxWindow* RowArea(wxListView& list);
 
-// Makes every column as wide as its contents and its header need; from then on the last one takes
-// what is left of the list. Returns the width that the list needs to show all columns. Call it once
-// the list is filled.
-[[nodiscard]] int FitColumns(wxListView& list);
+// Makes every column as wide as its contents and its header need, the last one at least as wide as
+// what the others leave of the list. Returns the width that the list needs to show all columns.
+int FitColumns(wxListView& list);
+
+// The last column takes what the others leave whenever the list's size changes.
+void KeepLastColumnStretched(wxListView& list);
 
 // A text that its column cuts off is shown as a tip while the pointer is over it.
 void TipCutOffTexts(wxListView& list);

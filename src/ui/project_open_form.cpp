@@ -55,11 +55,12 @@ std::string FProjectOpen::ProjectName() {
 void FProjectOpen::MakeControls() {
   FormCaptions captions(*this, 600);
   list_ = new wxListView(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
-                         wxLC_REPORT | wxLC_SINGLE_SEL);
+                         wxLC_REPORT | wxLC_SINGLE_SEL | wxBORDER_SIMPLE);
   list_->SetName("lvwRegisteredProjects");
   AddColumn(*list_, captions, 610);
   AddColumn(*list_, captions, 611);
   AddColumn(*list_, captions, 612);
+  KeepLastColumnStretched(*list_);
   hint_ = new wxStaticText(RowArea(*list_), wxID_ANY, wxEmptyString, wxDefaultPosition,
                            wxDefaultSize, wxALIGN_CENTRE_HORIZONTAL);
   hint_->SetName("lblNoProjects");

@@ -13,10 +13,13 @@ std::vector<int> RestoreWindow(wxTopLevelWindow& form, const Registry& registry,
                                const std::string& form_name) {
   const std::optional<RememberedWindow> kept = RecallWindow(registry, form_name);
   if (!kept) return {};
+  // Without the frame, whose size the window manager only tells once the window is shown: with it,
+  // the window would be larger by the frame every time.
   wxSize size = form.FromDIP(wxSize(kept->width, kept->height));
-  size.DecTo(wxDisplay(&form).GetClientArea().GetSize());
-  size.IncTo(form.GetMinSize());
-  form.SetSize(size);
+  const wxSize frame = form.GetSize() - form.GetClientSize();
+  size.DecTo(wxDisplay(&form).GetClientArea().GetSize() - frame);
+  size.IncTo(form.GetMinClientSize());
+  form.SetClientSize(size);
   if (kept->maximized) form.Maximize();
   std::vector<int> columns;
   for (const int width : kept->columns) columns.push_back(form.FromDIP(width));
@@ -27,7 +30,7 @@ void KeepWindow(const wxTopLevelWindow& form, Registry& registry, const std::str
                 const std::vector<int>& columns) {
   RememberedWindow window;
   const bool maximized = form.IsMaximized();
-  wxSize size = form.ToDIP(form.GetSize());
+  wxSize size = form.ToDIP(form.GetClientSize());
   if (maximized) {
     // The size to come back to is that of the session before.
     if (const std::optional<RememberedWindow> kept = RecallWindow(registry, form_name)) {

@@ -26,13 +26,22 @@ constexpr int kChainWidthDip = 400;
 constexpr int kListWidthDip = 250;
 constexpr int kListHeightDip = 180;
 
-// A list that shows `names` already keeps its selection.
-bool ShowNames(wxListBox& list, const std::vector<std::string>& names) {
-  wxArrayString texts;
-  for (const std::string& name : names) texts.push_back(ToWx(name));
-  if (texts == list.GetStrings()) return false;
-  list.Set(texts);
-  return true;
+void SelectRow(wxListView& list, long row) {
+  list.Select(row);
+  list.Focus(row);
+}
+
+// A list that shows `names` already keeps its selection; any other selects its first row.
+void ShowNames(wxListView& list, const std::vector<std::string>& names) {
+  bool same = names.size() == static_cast<std::size_t>(list.GetItemCount());
+  for (std::size_t row = 0; same && row < names.size(); ++row) {
+    same = list.GetItemText(static_cast<long>(row)) == ToWx(names[row]);
+  }
+  if (same) return;
+  list.DeleteAllItems();
+  for (const std::string& name : names) list.InsertItem(list.GetItemCount(), ToWx(name));
+  FitColumns(list);
+  if (!names.empty()) SelectRow(list, 0);
 }
 
 // The busy pointer of a run rests while the user is asked.
@@ -71,7 +80,6 @@ FSearchFile::FSearchFile(wxWindow* parent, Application& application, HelpViewer&
   LabelFor(*file_label_, *files_);
 
   ShowModel();
-  if (!folders_->IsEmpty()) folders_->SetSelection(0);
   FinishDialog(*this, content, buttons);
   RestoreWindow(*this, application_.platform.registry, kFormName);
   CentreOnParent();
@@ -90,6 +98,18 @@ wxStaticText* FSearchFile::MakeText(const char* name) {
   auto* const text = new wxStaticText(this, wxID_ANY, wxEmptyString);
   text->SetName(name);
   return text;
+}
+
+// Not a list box: that one would press the OK button whenever Enter enters a folder.
+wxListView* FSearchFile::MakeList(const char* name) {
+  auto* const list = new wxListView(
+      this, wxID_ANY, wxDefaultPosition, FromDIP(wxSize(kListWidthDip, kListHeightDip)),
+      wxLC_REPORT | wxLC_NO_HEADER | wxLC_SINGLE_SEL | wxBORDER_SIMPLE);
+  list->SetName(name);
+  list->AppendColumn(wxEmptyString);
+  KeepLastColumnStretched(*list);
+  TipCutOffTexts(*list);
+  return list;
 }
 
 wxSizer* FSearchFile::MakeExplanation(FormCaptions& captions) {
@@ -118,7 +138,6 @@ wxSizer* FSearchFile::MakeExplanation(FormCaptions& captions) {
 
 wxSizer* FSearchFile::MakeLists(FormCaptions& captions) {
   const wxSizerFlags beside = wxSizerFlags().CentreVertical().Border(wxRIGHT, FromDIP(kGapDip));
-  const wxSize list_size = FromDIP(wxSize(kListWidthDip, kListHeightDip));
   drive_label_ = MakeText("lblDrive");
   captions.Add(*drive_label_, 506);
   drives_ = new wxChoice(this, wxID_ANY);
@@ -138,8 +157,7 @@ wxSizer* FSearchFile::MakeLists(FormCaptions& captions) {
   auto* const path_row = new wxBoxSizer(wxHORIZONTAL);
   path_row->Add(path_label_, beside);
   path_row->Add(path_, wxSizerFlags(1).CentreVertical());
-  folders_ = new wxListBox(this, wxID_ANY, wxDefaultPosition, list_size);
-  folders_->SetName("dirSearchFile");
+  folders_ = MakeList("dirSearchFile");
 
   file_label_ = MakeText("lblFile");
   captions.Add(*file_label_, 504);
@@ -149,8 +167,7 @@ wxSizer* FSearchFile::MakeLists(FormCaptions& captions) {
   auto* const name_row = new wxBoxSizer(wxHORIZONTAL);
   name_row->Add(file_label_, beside);
   name_row->Add(name, wxSizerFlags(1).CentreVertical());
-  files_ = new wxListBox(this, wxID_ANY, wxDefaultPosition, list_size);
-  files_->SetName("filSearchFile");
+  files_ = MakeList("filSearchFile");
 
   auto* const columns = new wxFlexGridSizer(/*cols=*/2, FromDIP(wxSize(kGapDip, kLabelGapDip)));
   columns->AddGrowableCol(0, 1);
@@ -181,9 +198,11 @@ wxStdDialogButtonSizer* FSearchFile::MakeButtons(FormCaptions& captions) {
 void FSearchFile::BindEvents() {
   drives_->Bind(wxEVT_CHOICE, [this](wxCommandEvent&) { ChangeDrive(); });
   // A double click or the Enter key.
-  folders_->Bind(wxEVT_LISTBOX_DCLICK, [this](wxCommandEvent&) { EnterSelectedFolder(); });
+  folders_->Bind(wxEVT_LIST_ITEM_ACTIVATED, [this](wxListEvent& event) {
+    EnterFolder(FromWx(folders_->GetItemText(event.GetIndex())));
+  });
   folders_->Bind(wxEVT_KEY_DOWN, &FSearchFile::HandleFolderKey, this);
-  files_->Bind(wxEVT_LISTBOX_DCLICK, [this](wxCommandEvent&) { PressOk(); });
+  files_->Bind(wxEVT_LIST_ITEM_ACTIVATED, [this](wxListEvent&) { PressOk(); });
   Bind(wxEVT_ACTIVATE, [this](wxActivateEvent& event) {
     event.Skip();
     if (event.GetActive()) LookAgain();
@@ -209,11 +228,12 @@ void FSearchFile::BindEvents() {
 }
 
 void FSearchFile::HandleFolderKey(wxKeyEvent& event) {
-  if (event.GetKeyCode() == WXK_BACK && !event.HasAnyModifiers()) {
-    if (folders_->FindString(kParentFolder) != wxNOT_FOUND) EnterFolder(kParentFolder);
-  } else {
+  if (event.GetKeyCode() != WXK_BACK || event.HasAnyModifiers()) {
     event.Skip();
+    return;
   }
+  const std::vector<std::string>& folders = model_.Folders();
+  if (!folders.empty() && folders.front() == kParentFolder) EnterFolder(kParentFolder);
 }
 
 void FSearchFile::ShowModel() {
@@ -225,7 +245,9 @@ void FSearchFile::ShowModel() {
     path_->SetToolTip(directory);
   }
   ShowNames(*folders_, model_.Folders());
-  if (ShowNames(*files_, model_.Files()) && !files_->IsEmpty()) files_->SetSelection(0);
+  ShowNames(*files_, model_.Files());
+  // A disabled button would keep the focus and swallow the Escape key.
+  if (!model_.OkEnabled() && ok_->HasFocus()) folders_->SetFocus();
   ok_->Enable(model_.OkEnabled());
 }
 
@@ -235,17 +257,11 @@ void FSearchFile::ChangeDrive() {
   // Without a disk in it the drive is not changed.
   if (!EqualNoCase(model_.Drive(), chosen)) wxBell();
   ShowModel();
-  if (!folders_->IsEmpty()) folders_->SetSelection(0);
 }
 
-void FSearchFile::EnterSelectedFolder() {
-  const int row = folders_->GetSelection();
-  if (row != wxNOT_FOUND) EnterFolder(folders_->GetString(static_cast<unsigned>(row)));
-}
-
-void FSearchFile::EnterFolder(const wxString& name) {
+void FSearchFile::EnterFolder(const std::string& name) {
   const std::string before = model_.Directory();
-  model_.ChangeDirectory(FromWx(name));
+  model_.ChangeDirectory(name);
   if (model_.Directory() == before) {
     // The folder has gone.
     wxBell();
@@ -253,12 +269,10 @@ void FSearchFile::EnterFolder(const wxString& name) {
     return;
   }
   ShowModel();
-  if (folders_->IsEmpty()) return;
   // Going up leads back to the folder that was left.
-  const int left =
-      name == kParentFolder ? folders_->FindString(ToWx(FileName(before))) : wxNOT_FOUND;
-  folders_->SetSelection(left == wxNOT_FOUND ? 0 : left);
-  folders_->EnsureVisible(folders_->GetSelection());
+  if (name != kParentFolder) return;
+  const long left = folders_->FindItem(-1, ToWx(FileName(before)));
+  if (left != wxNOT_FOUND) SelectRow(*folders_, left);
 }
 
 void FSearchFile::PressOk() {

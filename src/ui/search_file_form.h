@@ -4,9 +4,11 @@
 #include <wx/button.h>
 #include <wx/choice.h>
 #include <wx/dialog.h>
-#include <wx/listbox.h>
+#include <wx/listctrl.h>
 #include <wx/sizer.h>
 #include <wx/stattext.h>
+
+#include <string>
 
 #include "document/application.h"
 #include "scan/search_file_dialog.h"
@@ -25,6 +27,7 @@ class FSearchFile : public wxDialog {
 
  private:
   wxStaticText* MakeText(const char* name);
+  wxListView* MakeList(const char* name);
   wxSizer* MakeExplanation(FormCaptions& captions);
   wxSizer* MakeLists(FormCaptions& captions);
   wxStdDialogButtonSizer* MakeButtons(FormCaptions& captions);
@@ -34,8 +37,7 @@ class FSearchFile : public wxDialog {
   // Takes from the model what has changed.
   void ShowModel();
   void ChangeDrive();
-  void EnterSelectedFolder();
-  void EnterFolder(const wxString& name);
+  void EnterFolder(const std::string& name);
   void PressOk();
   // Another program may have put the file there or taken it away.
   void LookAgain();
@@ -45,11 +47,11 @@ class FSearchFile : public wxDialog {
   wxStaticText* drive_label_ = nullptr;
   wxStaticText* path_label_ = nullptr;
   wxStaticText* file_label_ = nullptr;
-  wxChoice* drives_ = nullptr;    // drvSearchFile
-  wxListBox* folders_ = nullptr;  // dirSearchFile
-  wxListBox* files_ = nullptr;    // filSearchFile
-  wxStaticText* path_ = nullptr;  // lblFilePath
-  wxButton* ok_ = nullptr;        // cmdOK
+  wxChoice* drives_ = nullptr;     // drvSearchFile
+  wxListView* folders_ = nullptr;  // dirSearchFile
+  wxListView* files_ = nullptr;    // filSearchFile
+  wxStaticText* path_ = nullptr;   // lblFilePath
+  wxButton* ok_ = nullptr;         // cmdOK
 };
 
 // Opens the dialog for every question of a Scan: the first time in the project directory, then

@@ -200,6 +200,34 @@ bool SetupWizardPresenter::Save() {
   });
 }
 
+void SetupWizardPresenter::End() {
+  Act([this] {
+    view_.Close();
+    return true;
+  });
+}
+
+void SetupWizardPresenter::ShowHelpContents() {
+  Act([this] {
+    view_.ShowHelpContents();
+    return true;
+  });
+}
+
+void SetupWizardPresenter::ShowInfo() {
+  Act([this] {
+    view_.ShowInfo();
+    return true;
+  });
+}
+
+void SetupWizardPresenter::ShowOptions() {
+  Act([this] {
+    view_.ShowOptions();
+    return true;
+  });
+}
+
 void SetupWizardPresenter::ClearSettings() {
   Act([this] {
     if (Ask(kAskClearSettings, {}, kButtonsYesNo) != MessageResult::kYes) return false;

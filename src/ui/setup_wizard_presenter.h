@@ -29,10 +29,10 @@ class SetupWizardPresenter {
   void OpenProject();
   // False after message 911 when the settings could not be written.
   bool Save();
-  void End() { view_.Close(); }
-  void ShowHelpContents() { view_.ShowHelpContents(); }
-  void ShowInfo() { view_.ShowInfo(); }
-  void ShowOptions() { view_.ShowOptions(); }
+  void End();  // closes the form, which asks MayClose
+  void ShowHelpContents();
+  void ShowInfo();
+  void ShowOptions();
   void ClearSettings();  // asks 1704
 
   // The form is about to close: asks 1703 while the document has changed. False keeps it open.
@@ -83,7 +83,8 @@ class SetupWizardPresenter {
   // --- Step 5. Selects step 4 when the run has marked rows there.
   void Create();
 
-  // Whether a run is under way: closing, a second run and everything else must wait.
+  // Whether a run is under way, or files are being added: closing, a second run and everything else
+  // must wait.
   [[nodiscard]] bool IsRunning() const { return running_; }
 
  private:

@@ -18,16 +18,6 @@ constexpr long kTextFailed = 424;
 constexpr int kGap = 8;
 constexpr int kBarTextWidth = 90;
 
-// Bars have this many steps whatever they count: a gauge's own range ends at 2^31.
-constexpr int kBarSteps = 10000;
-
-// All of them only when everything is done.
-int FilledSteps(std::uint64_t done, std::uint64_t total) {
-  if (total == 0) return 0;
-  if (done >= total) return kBarSteps;
-  return static_cast<int>(static_cast<double>(done) / static_cast<double>(total) * (kBarSteps - 1));
-}
-
 // Lines stand in the order of their ids.
 std::size_t IndexOf(CreateStage stage) {
   return static_cast<std::size_t>(stage) - static_cast<std::size_t>(CreateStage::kDirectories);
@@ -45,33 +35,34 @@ FStateCreate::FStateCreate(wxWindow* parent, Application& application, HelpViewe
        static_cast<long>(CreateStage::kSetupKit), static_cast<long>(CreateStage::kDistribute),
        static_cast<long>(CreateStage::kControlFile)});
 
-  auto* const grid = new wxGridBagSizer(FromDIP(kGap), FromDIP(kGap));
-  action_ = MakeValueLabel("lblAction", /*least_width=*/0);
-  grid->Add(action_, wxGBPosition(0, 1), wxGBSpan(1, 2), wxEXPAND);
-  grid->Add(MakeHeading(kTextFile), wxGBPosition(1, 0));
-  grid->Add(MakeFileLabel(), wxGBPosition(1, 1), wxGBSpan(1, 2), wxEXPAND);
-  AddBar(*grid, /*row=*/2, count_, kTextCount, "picCount", "lblCountPercent");
-  AddBar(*grid, /*row=*/3, size_, kTextSize, "picSize", "lblSizePercent");
+  auto* const grid = new wxFlexGridSizer(/*cols=*/2, FromDIP(wxSize(kGap, kGap)));
   grid->AddGrowableCol(1);
+  grid->AddSpacer(0);
+  action_ = MakeValueLabel("lblAction", /*least_width=*/0);
+  grid->Add(action_, wxSizerFlags().Expand());
+  grid->Add(MakeHeading(kTextFile));
+  grid->Add(MakeFileLabel(), wxSizerFlags().Expand());
+  AddBar(*grid, count_, kTextCount, "picCount", "lblCountPercent");
+  AddBar(*grid, size_, kTextSize, "picSize", "lblSizePercent");
   AddRow(grid);
   FinishLayout();
 }
 
-void FStateCreate::AddBar(wxGridBagSizer& grid, int row, Bar& bar, long heading_id,
-                          const char* bar_name, const char* text_name) {
-  grid.Add(MakeHeading(heading_id), wxGBPosition(row, 0), wxDefaultSpan, wxALIGN_CENTER_VERTICAL);
-  bar.gauge = new wxGauge(this, wxID_ANY, kBarSteps, wxDefaultPosition, wxDefaultSize,
-                          wxGA_HORIZONTAL | wxGA_SMOOTH);
-  bar.gauge->SetName(bar_name);
-  SetAccessibleName(*bar.gauge, ToWx(Texts().GetText(heading_id)));
-  grid.Add(bar.gauge, wxGBPosition(row, 1), wxDefaultSpan, wxEXPAND | wxALIGN_CENTER_VERTICAL);
+void FStateCreate::AddBar(wxSizer& grid, Bar& bar, long heading_id, const char* bar_name,
+                          const char* text_name) {
+  grid.Add(MakeHeading(heading_id), wxSizerFlags().CenterVertical());
+  bar.picture = new ProgressBar(this, bar_name);
+  SetAccessibleName(*bar.picture, ToWx(Texts().GetText(heading_id)));
   wxStaticText* const text = MakeValueLabel(text_name, FromDIP(kBarTextWidth));
-  grid.Add(text, wxGBPosition(row, 2), wxDefaultSpan, wxEXPAND | wxALIGN_CENTER_VERTICAL);
   bar.text.emplace(*text);
+  auto* const row = new wxBoxSizer(wxHORIZONTAL);
+  row->Add(bar.picture, wxSizerFlags(1).CenterVertical());
+  row->Add(text, wxSizerFlags().CenterVertical().Border(wxLEFT, FromDIP(kGap)));
+  grid.Add(row, wxSizerFlags().Expand());
 }
 
 bool FStateCreate::Bar::Show() {
-  if (gauge->GetValue() != filled) gauge->SetValue(filled);
+  picture->Fill(filled);
   return text->Show();
 }
 
@@ -94,9 +85,9 @@ void FStateCreate::ShowAction(const std::string& text) {
 }
 
 void FStateCreate::ShowProgress(const CreateProgress& progress) {
-  count_.filled = FilledSteps(progress.count_done, progress.count_total);
+  count_.filled = FilledShare(progress.count_done, progress.count_total);
   count_.text->Set(progress.count_text);
-  size_.filled = FilledSteps(progress.bytes_done, progress.bytes_total);
+  size_.filled = FilledShare(progress.bytes_done, progress.bytes_total);
   size_.text->Set(progress.size_text);
   PaintSoon();
 }

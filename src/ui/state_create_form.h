@@ -1,14 +1,12 @@
 // The state window of Create.
 #pragma once
 
-#include <wx/gauge.h>
-#include <wx/gbsizer.h>
-
 #include <optional>
 #include <string>
 
 #include "document/application.h"
 #include "ui/help.h"
+#include "ui/progress_bar.h"
 #include "ui/state_form.h"
 #include "ui/state_windows.h"
 
@@ -40,14 +38,14 @@ class FStateCreate : public StateForm, public CreateStateWindow {
  private:
   // A bar with its text.
   struct Bar {
-    wxGauge* gauge = nullptr;
+    ProgressBar* picture = nullptr;
     std::optional<LateText> text;
-    int filled = 0;
+    double filled = 0;
 
     bool Show();
   };
 
-  void AddBar(wxGridBagSizer& grid, int row, Bar& bar, long heading_id, const char* bar_name,
+  void AddBar(wxSizer& grid, Bar& bar, long heading_id, const char* bar_name,
               const char* text_name);
 
   Application& application_;

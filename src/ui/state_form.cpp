@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/dialog_parts.h"
 #include "ui/form_pictures.h"
 #include "ui/label_for.h"
 #include "ui/wx_text.h"
@@ -19,38 +20,17 @@ constexpr long kTextOk = 10;
 constexpr long kTextCancel = 11;
 constexpr long kTextCopy = 1960;
 constexpr long kTextReport = 1961;
-constexpr long kTextRunning = 1962;
 constexpr long kTextDone = 1963;
 constexpr long kTextError = 1964;
 
 // Device-independent pixels.
 constexpr int kGap = 8;
 constexpr int kSmallGap = 4;
-constexpr int kBorder = 12;
 constexpr int kFileWidth = 440;
 constexpr int kReportHeight = 150;
 
-constexpr std::chrono::milliseconds kPaintInterval(25);
 // The toolkit lays out and paints anew at most this often.
 constexpr std::chrono::milliseconds kFrame(20);
-constexpr int kPaintShare = 10;  // of the run's time, one part in so many
-
-void SetWeight(wxWindow& window, bool bold) {
-  wxFont font = window.GetFont();
-  font.SetWeight(bold ? wxFONTWEIGHT_BOLD : wxFONTWEIGHT_NORMAL);
-  window.SetFont(font);
-}
-
-// What the label's text takes in its font. The toolkit's own best size still knows the font before
-// the last change as long as the window is hidden.
-wxSize RoomFor(const wxStaticText& label) {
-  const wxString text = label.GetLabelText();
-  // An empty line is as high as one with text.
-  wxSize room = label.GetTextExtent(text.empty() ? wxString("A") : text);
-  if (text.empty()) room.SetWidth(0);
-  // Rounding, and letters that lean out.
-  return room + label.FromDIP(wxSize(2, 0));
-}
 
 void YieldOnce() {
   if (wxEventLoopBase* const active = wxEventLoopBase::GetActive()) {
@@ -76,83 +56,6 @@ class SetWhile {
 
 }  // namespace
 
-StageLine::StageLine(wxWindow* parent, wxSizer& column, std::size_t index, const TextService& texts)
-    : texts_(texts),
-      picture_(new wxStaticBitmap(parent, wxID_ANY, StageRunningPicture())),
-      label_(new wxStaticText(parent, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
-                              wxST_NO_AUTORESIZE)) {
-  picture_->SetName("imgState" + std::to_string(index));
-  picture_->Hide();
-  label_->SetName("lblStateInfo" + std::to_string(index));
-  auto* const row = new wxBoxSizer(wxHORIZONTAL);
-  row->Add(picture_, wxSizerFlags().CenterVertical().ReserveSpaceEvenIfHidden());
-  row->Add(label_, wxSizerFlags(1).CenterVertical().Border(wxLEFT, parent->FromDIP(kGap)));
-  const int gap = parent->FromDIP(kSmallGap);
-  column.Add(row, wxSizerFlags().Expand().Border(wxALL, gap));
-}
-
-void StageLine::ReserveRoom() {
-  caption_ = label_->GetLabel();
-  SetWeight(*label_, /*bold=*/true);
-  label_->SetMinSize(RoomFor(*label_));
-  SetWeight(*label_, /*bold=*/false);
-}
-
-void StageLine::ShowPicture(const wxBitmapBundle& picture, long text_id) {
-  const wxString meaning = ToWx(texts_.GetText(text_id));
-  picture_->SetBitmap(picture);
-  picture_->SetToolTip(meaning);
-  SetAccessibleName(*picture_, meaning);
-  picture_->Show();
-}
-
-void StageLine::Clear() {
-  picture_->Hide();
-  SetWeight(*label_, /*bold=*/false);
-  label_->SetLabel(caption_);
-}
-
-void StageLine::Start() {
-  ShowPicture(StageRunningPicture(), kTextRunning);
-  SetWeight(*label_, /*bold=*/true);
-}
-
-void StageLine::SetCaption(const std::string& caption) { label_->SetLabelText(ToWx(caption)); }
-
-void StageLine::End(bool succeeded) {
-  ShowPicture(succeeded ? StageDonePicture() : StageErrorPicture(),
-              succeeded ? kTextDone : kTextError);
-  SetWeight(*label_, /*bold=*/false);
-  label_->SetLabel(caption_);
-}
-
-bool LateText::Show() {
-  if (!next_) return false;
-  const wxString text = ToWx(*next_);
-  next_.reset();
-  if (label_.GetLabelText() == text) return false;
-  label_.SetLabelText(text);
-  if (label_.IsEllipsized()) {
-    label_.SetToolTip(text);
-    return false;
-  }
-  const int needed = RoomFor(label_).GetWidth();
-  if (needed <= label_.GetMinWidth()) return false;
-  label_.SetMinSize(wxSize(needed, label_.GetMinHeight()));
-  return true;
-}
-
-void PaintPace::Start() {
-  start_ = Clock::now();
-  last_ = {};
-  spent_ = {};
-}
-
-bool PaintPace::IsDue() const {
-  const Clock::time_point now = Clock::now();
-  return now - last_ >= kPaintInterval || spent_ * kPaintShare <= now - start_;
-}
-
 StateForm::StateForm(wxWindow* parent, const Application& application, long title_id,
                      long failed_id)
     : wxDialog(parent, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
@@ -163,7 +66,7 @@ StateForm::StateForm(wxWindow* parent, const Application& application, long titl
       column_(new wxBoxSizer(wxVERTICAL)) {
   SetIcons(ApplicationIcons());
   auto* const frame = new wxBoxSizer(wxVERTICAL);
-  frame->Add(column_, wxSizerFlags(1).Expand().Border(wxALL, FromDIP(kBorder)));
+  frame->Add(column_, wxSizerFlags(1).Expand().Border(wxALL, FromDIP(kGap)));
   SetSizer(frame);
   Bind(wxEVT_CLOSE_WINDOW, &StateForm::OnClose, this);
 }
@@ -181,6 +84,7 @@ void StateForm::AddStages(long frame_id, const std::vector<long>& stage_ids) {
     stages_.emplace_back(box, *lines, i, Texts());
     captions_.Add(stages_.back().Label(), stage_ids[i]);
   }
+  lines->AddSpacer(FromDIP(kSmallGap));
   column_->Add(lines, wxSizerFlags().Expand());
 }
 
@@ -192,12 +96,6 @@ wxStaticText* StateForm::MakeHeading(long id) {
   auto* const heading = new wxStaticText(this, wxID_ANY, wxString());
   captions_.Add(*heading, id);
   return heading;
-}
-
-void StateForm::ShowLine(wxStaticText& label, const std::string& text, bool bold) {
-  SetWeight(label, bold);
-  label.SetLabelText(ToWx(text));
-  label.SetMinSize(RoomFor(label));
 }
 
 wxStaticText* StateForm::MakeFileLabel() {
@@ -259,20 +157,16 @@ void StateForm::AddReport() {
 }
 
 void StateForm::AddButtons() {
-  ok_ = new wxButton(this, wxID_OK, wxString());
-  ok_->SetName("cmdOK");
-  captions_.Add(*ok_, kTextOk);
+  ok_ = &AddDialogButton(*this, captions_, wxID_OK, "cmdOK", kTextOk);
   ok_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { CloseWindow(); });
-  ok_->SetDefault();
-  cancel_ = new wxButton(this, wxID_CANCEL, wxString());
-  cancel_->SetName("cmdCancel");
-  captions_.Add(*cancel_, kTextCancel);
+  cancel_ = &AddDialogButton(*this, captions_, wxID_CANCEL, "cmdCancel", kTextCancel);
   cancel_->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) { cancel_pressed_ = true; });
   auto* const buttons = new wxStdDialogButtonSizer;
   buttons->AddButton(ok_);
   buttons->AddButton(cancel_);
   buttons->Realize();
-  column_->Add(buttons, wxSizerFlags().Expand().Border(wxTOP, FromDIP(kBorder)));
+  GetSizer()->Add(buttons,
+                  wxSizerFlags().Expand().Border(wxLEFT | wxRIGHT | wxBOTTOM, FromDIP(kGap)));
 }
 
 void StateForm::BeginRun() {
@@ -309,7 +203,7 @@ void StateForm::EndRun(bool succeeded, const std::string& result_line) {
   SetAccessibleName(*result_picture_,
                     ToWx(application_.texts.GetText(succeeded ? kTextDone : kTextError)));
   result_picture_->Show();
-  ShowLine(*result_label_, result_line, /*bold=*/true);
+  ShowLine(*result_label_, ToWx(result_line), /*bold=*/true);
   ok_->Enable();
   ok_->SetFocus();
   cancel_->Disable();

@@ -1,5 +1,7 @@
 #include "ui/state_scan_form.h"
 
+#include "ui/wx_text.h"
+
 namespace txs {
 namespace {
 
@@ -43,7 +45,7 @@ FStateScan::FStateScan(wxWindow* parent, Application& application)
 }
 
 void FStateScan::Begin(bool use_runtime_setup, const std::string& runtime_setup_note) {
-  ShowLine(*runtime_setup_, runtime_setup_note, /*bold=*/!use_runtime_setup);
+  ShowLine(*runtime_setup_, ToWx(runtime_setup_note), /*bold=*/!use_runtime_setup);
   missing_.clear();
   ShowCount(0);
   BeginRun();

@@ -1,8 +1,19 @@
 #include "ui/wx_message_boxes.h"
 
-#include <wx/app.h>
-#include <wx/init.h>
-#include <wx/msgdlg.h>
+#include <wx/artprov.h>
+#include <wx/button.h>
+#include <wx/clipbrd.h>
+#include <wx/dataobj.h>
+#include <wx/dialog.h>
+#include <wx/sizer.h>
+#include <wx/statbmp.h>
+#include <wx/stattext.h>
+#include <wx/utils.h>
+
+#include <algorithm>
+
+#include "ui/form_pictures.h"
+#include "ui/wx_text.h"
 
 namespace txs {
 namespace {
@@ -10,29 +21,29 @@ namespace {
 constexpr int kButtonsMask = 0xF;
 constexpr int kIconMask = 0xF0;
 
-long ButtonStyle(int buttons) {
-  switch (buttons & kButtonsMask) {
-    case kButtonsYesNoCancel:
-      return wxYES_NO | wxCANCEL;
-    case kButtonsYesNo:
-      return wxYES_NO;
-    default:
-      return wxOK;
-  }
-}
+constexpr long kTextOk = 10;
+constexpr long kTextCancel = 11;
+constexpr long kTextHelp = 12;
+constexpr long kTextYes = 1978;
+constexpr long kTextNo = 1979;
 
-long IconStyle(int buttons) {
+// Device-independent pixels.
+constexpr int kWidestLine = 480;
+constexpr int kTitleBarButtons = 140;
+constexpr int kMargin = 12;
+
+wxArtID IconOf(int buttons) {
   switch (buttons & kIconMask) {
     case kIconCritical:
-      return wxICON_ERROR;
+      return wxART_ERROR;
     case kIconQuestion:
-      return wxICON_QUESTION;
+      return wxART_QUESTION;
     case kIconExclamation:
-      return wxICON_EXCLAMATION;
+      return wxART_WARNING;
     case kIconInformation:
-      return wxICON_INFORMATION;
+      return wxART_INFORMATION;
     default:
-      return wxICON_NONE;
+      return {};
   }
 }
 
@@ -49,36 +60,192 @@ MessageResult ResultOf(int pressed) {
   }
 }
 
-wxString ToBoxText(const std::string& utf8) {
-  wxString text = wxString::FromUTF8(utf8);
-  // Never an empty box: a system's words may be in another encoding.
-  if (text.empty() && !utf8.empty()) text = wxString::From8BitData(utf8.data(), utf8.size());
-  text.Replace("\r\n", "\n");
-  return text;
+// A run shows its messages while the pointer is busy; an answer is not what the user waits for.
+class PointerWaitsForAnswer {
+ public:
+  PointerWaitsForAnswer() {
+    for (; wxIsBusy(); ++depth_) wxEndBusyCursor();
+  }
+  ~PointerWaitsForAnswer() {
+    for (; depth_ > 0; --depth_) wxBeginBusyCursor();
+  }
+  PointerWaitsForAnswer(const PointerWaitsForAnswer&) = delete;
+  PointerWaitsForAnswer& operator=(const PointerWaitsForAnswer&) = delete;
+
+ private:
+  int depth_ = 0;
+};
+
+// The active window, else the one that was opened last: a state window lies over the main form.
+// Null when there is none.
+wxWindow* FrontWindow() {
+  wxWindow* front = nullptr;
+  for (wxWindow* const window : wxTopLevelWindows) {
+    auto* const form = dynamic_cast<wxTopLevelWindow*>(window);
+    if (form == nullptr || !form->IsShown() || form->IsBeingDeleted()) continue;
+    front = window;
+    if (form->IsActive()) break;
+  }
+  return front;
 }
+
+// Line breaks at blanks, and within a word that is longer than a line (a path) behind a backslash.
+wxString Wrapped(const wxString& text, const wxWindow& window, int width) {
+  const auto fits = [&](const wxString& line) { return window.GetTextExtent(line).x <= width; };
+  wxString result;
+  wxString line;
+  const auto end_line = [&] {
+    result += line + '\n';
+    line.clear();
+  };
+  wxString word;
+  const auto add_word = [&] {
+    if (!line.empty() && !fits(line + word)) end_line();
+    while (!fits(word) && word.length() > 1) {
+      std::size_t count = 1;
+      while (count < word.length() && fits(word.Left(count + 1))) ++count;
+      const std::size_t backslash = word.Left(count).rfind('\\');
+      if (backslash != wxString::npos && backslash > 0) count = backslash + 1;
+      line = word.Left(count);
+      end_line();
+      word = word.Mid(count);
+    }
+    line += word;
+    word.clear();
+  };
+  for (const wxUniChar c : text) {
+    if (c == '\n') {
+      add_word();
+      end_line();
+    } else if (c == ' ') {
+      add_word();
+      line += c;
+    } else {
+      word += c;
+    }
+  }
+  add_word();
+  return result + line;
+}
+
+class MessageDialog : public wxDialog {
+ public:
+  struct Contents {
+    wxString title;
+    wxString prompt;
+    int buttons = kButtonsOk;
+    std::function<void()> open_help;  // empty: no help
+  };
+
+  MessageDialog(wxWindow* parent, const TextService& texts, Contents contents)
+      : wxDialog(parent, wxID_ANY, contents.title), contents_(std::move(contents)) {
+    SetName("FMessage");
+    SetIcons(ApplicationIcons());
+    auto* const outer = new wxBoxSizer(wxVERTICAL);
+    outer->Add(MakeMessage(), wxSizerFlags(1).Expand().Border(wxALL, FromDIP(kMargin)));
+    outer->Add(MakeButtons(texts), wxSizerFlags().Expand().Border(wxALL & ~wxTOP, FromDIP(8)));
+    SetSizer(outer);
+    const int title_width = GetTextExtent(contents_.title).x + FromDIP(kTitleBarButtons);
+    outer->SetMinSize(wxSize(title_width, -1));
+    outer->SetSizeHints(this);
+    CentreOnParent();
+    Bind(wxEVT_CHAR_HOOK, &MessageDialog::OnKey, this);
+  }
+
+ private:
+  wxSizer* MakeMessage() {
+    auto* const row = new wxBoxSizer(wxHORIZONTAL);
+    const wxArtID icon = IconOf(contents_.buttons);
+    if (!icon.empty()) {
+      auto* const image = new wxStaticBitmap(
+          this, wxID_ANY, wxArtProvider::GetBitmapBundle(icon, wxART_MESSAGE_BOX));
+      image->SetName("imgMessage");
+      row->Add(image, wxSizerFlags().Top().Border(wxRIGHT, FromDIP(kMargin)));
+    }
+    auto* const text = new wxStaticText(this, wxID_ANY, wxString());
+    text->SetName("lblMessage");
+    text->SetLabelText(Wrapped(contents_.prompt, *this, FromDIP(kWidestLine)));
+    row->Add(text, wxSizerFlags(1).CentreVertical());
+    return row;
+  }
+
+  wxSizer* MakeButtons(const TextService& texts) {
+    auto* const row = new wxStdDialogButtonSizer;
+    const auto add = [&](wxWindowID id, const char* name, long text) {
+      auto* const button = new wxButton(this, id, ToWx(texts.GetText(text)));
+      button->SetName(name);
+      row->AddButton(button);
+      return button;
+    };
+    wxButton* first = nullptr;
+    switch (contents_.buttons & kButtonsMask) {
+      case kButtonsYesNoCancel:
+        first = add(wxID_YES, "cmdYes", kTextYes);
+        add(wxID_NO, "cmdNo", kTextNo);
+        add(wxID_CANCEL, "cmdCancel", kTextCancel);
+        SetEscapeId(wxID_CANCEL);
+        break;
+      case kButtonsYesNo:
+        first = add(wxID_YES, "cmdYes", kTextYes);
+        add(wxID_NO, "cmdNo", kTextNo);
+        SetEscapeId(wxID_NO);
+        break;
+      default:
+        first = add(wxID_OK, "cmdOK", kTextOk);
+        SetEscapeId(wxID_OK);
+        break;
+    }
+    if (contents_.open_help) {
+      add(wxID_HELP, "cmdHelp", kTextHelp)->Bind(wxEVT_BUTTON, [this](wxCommandEvent&) {
+        contents_.open_help();
+      });
+    }
+    row->Realize();
+    for (const wxWindowID id : {wxID_YES, wxID_NO}) {
+      wxWindow* const button = FindWindow(id);
+      if (button == nullptr) continue;
+      button->Bind(wxEVT_BUTTON, [this, id](wxCommandEvent&) { EndModal(id); });
+    }
+    first->SetDefault();
+    first->SetFocus();
+    return row;
+  }
+
+  void OnKey(wxKeyEvent& event) {
+    if (event.GetKeyCode() == WXK_F1 && event.GetModifiers() == wxMOD_NONE && contents_.open_help) {
+      contents_.open_help();
+    } else if (event.GetKeyCode() == 'C' && event.GetModifiers() == wxMOD_CONTROL) {
+      const wxClipboardLocker locker;
+      if (!locker) return;
+      wxTheClipboard->SetData(
+          new wxTextDataObject(contents_.title + "\n\n" + contents_.prompt + "\n"));
+    } else {
+      event.Skip();
+    }
+  }
+
+  Contents contents_;
+};
 
 }  // namespace
 
-MessageResult WxMessageBoxes::Show(const std::string& prompt, int buttons, const std::string& title,
-                                   const std::string& help_file, int help_context) {
-  long style = ButtonStyle(buttons) | IconStyle(buttons) | wxCENTRE;
-  if ((buttons & kButtonHelp) != 0 && open_help_ && !help_file.empty()) style |= wxHELP;
-  for (;;) {
-    wxMessageDialog dialog(nullptr, ToBoxText(prompt),
-                           ToBoxText(title.empty() ? application_title_ : title), style);
-    const int pressed = dialog.ShowModal();
-    if (pressed != wxID_HELP) return ResultOf(pressed);
-    open_help_(help_file, help_context);
-  }
+void WxMessageBoxes::Use(const TextService& texts, HelpOpener open_help) {
+  texts_ = texts;
+  open_help_ = std::move(open_help);
 }
 
-bool ConnectToDisplay() {
-  // The application object belongs to wxWidgets from here on. Nothing is shut down: the connection
-  // ends with the process.
-  wxApp::SetInstance(new wxApp);
-  int argc = 0;
-  char** const no_arguments = nullptr;
-  return wxEntryStart(argc, no_arguments) && wxTheApp->CallOnInit();
+MessageResult WxMessageBoxes::Show(const std::string& prompt, int buttons, const std::string& title,
+                                   const std::string& help_file, int help_context) {
+  MessageDialog::Contents contents;
+  contents.title = ToWx(title.empty() ? application_title_ : title);
+  contents.prompt = ToWxLines(prompt);
+  contents.buttons = buttons;
+  if (open_help_ && !help_file.empty()) {
+    contents.open_help = [this, help_context] { open_help_(help_context); };
+  }
+  const PointerWaitsForAnswer pointer;
+  MessageDialog dialog(FrontWindow(), texts_, std::move(contents));
+  return ResultOf(dialog.ShowModal());
 }
 
 }  // namespace txs

@@ -101,7 +101,8 @@ bool WaitFor(const std::function<bool()>& condition, double seconds) {
 void ShowAndActivate(wxTopLevelWindow& form) {
   form.Show();
   form.Raise();
-  EXPECT_TRUE(WaitFor([&] { return form.IsShownOnScreen() && form.IsActive(); }));
+  EXPECT_TRUE(
+      WaitFor([&] { return form.IsShownOnScreen() && form.IsActive() && IsInPlace(form); }));
 }
 
 wxWindow* FindControl(wxWindow& form, const std::string& name) {
@@ -149,7 +150,8 @@ int WhileModal(wxDialog& dialog, const std::function<int()>& show,
   dialog.CallAfter([&] {
     if (acted) return;
     acted = true;
-    EXPECT_TRUE(WaitFor([&] { return dialog.IsModal() && dialog.IsActive(); }));
+    EXPECT_TRUE(
+        WaitFor([&] { return dialog.IsModal() && dialog.IsActive() && IsInPlace(dialog); }));
     action();
   });
   const int result = show();

@@ -48,6 +48,11 @@ void LetEventsRun();
 // Shows a form and waits until it has the focus of the window system.
 void ShowAndActivate(wxTopLevelWindow& form);
 
+// Whether the window manager has given a form that is shown its frame and its place, and the form
+// knows both: before, what is asked for its size and for the place of its controls is off by the
+// frame.
+bool IsInPlace(wxTopLevelWindow& form);
+
 // The control of that name below `form`; fails the test when there is none or it is of another
 // type.
 wxWindow* FindControl(wxWindow& form, const std::string& name);
@@ -82,6 +87,9 @@ std::string ClippedControls(wxWindow& window);
 
 // The text of the tooltip that is on the screen; empty when there is none.
 std::string ShownTooltip();
+
+// Whether the keys go to `window` or to a part of it, as the toolkit sees it.
+bool FocusIsIn(wxWindow& window);
 
 // What a screen reader announces for what has the focus in `form`.
 std::string NameOfFocus(wxTopLevelWindow& form);

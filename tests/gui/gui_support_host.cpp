@@ -1,6 +1,11 @@
 // What only the toolkit itself can tell a test.
 #include <gtk/gtk.h>
 
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+
 #include "gui/gui_support.h"
 
 namespace txs {
@@ -18,6 +23,33 @@ void FindLabelText(GtkWidget* widget, gpointer found) {
 
 }  // namespace
 
+bool IsInPlace(wxTopLevelWindow& form) {
+  GdkWindow* const window = gtk_widget_get_window(form.GetHandle());
+  if (window == nullptr) return false;
+  // There, the form's own place is that before.
+  if (form.IsMaximized()) return true;
+  // Left, right, top, bottom.
+  guchar* data = nullptr;
+  gint bytes = 0;
+  const gboolean has_frame = gdk_property_get(
+      window, gdk_atom_intern("_NET_FRAME_EXTENTS", FALSE), gdk_atom_intern("CARDINAL", FALSE), 0,
+      4 * sizeof(std::uint32_t), FALSE, nullptr, nullptr, &bytes, &data);
+  if (has_frame == FALSE) return false;
+  std::array<glong, 4> frame{};
+  std::memcpy(frame.data(), data, std::min(sizeof frame, static_cast<std::size_t>(bytes)));
+  g_free(data);
+  const int scale = gdk_window_get_scale_factor(window);
+  const auto pixels = [&](std::size_t side) { return static_cast<int>(frame.at(side)) / scale; };
+
+  wxPoint origin;
+  gdk_window_get_origin(window, &origin.x, &origin.y);
+  GtkAllocation inner;
+  gtk_widget_get_allocation(form.GetHandle(), &inner);
+  return form.GetPosition() == origin - wxPoint(pixels(0), pixels(2)) &&
+         form.GetSize() ==
+             wxSize(inner.width + pixels(0) + pixels(1), inner.height + pixels(2) + pixels(3));
+}
+
 std::string ShownTooltip() {
   std::string text;
   GList* const windows = gtk_window_list_toplevels();
@@ -29,6 +61,13 @@ std::string ShownTooltip() {
   }
   g_list_free(windows);
   return text;
+}
+
+bool FocusIsIn(wxWindow& window) {
+  GtkWidget* const form = gtk_widget_get_toplevel(window.GetHandle());
+  GtkWidget* const focus = GTK_IS_WINDOW(form) ? gtk_window_get_focus(GTK_WINDOW(form)) : nullptr;
+  if (focus == nullptr || gtk_widget_has_focus(focus) == FALSE) return false;
+  return focus == window.GetHandle() || gtk_widget_is_ancestor(focus, window.GetHandle()) != FALSE;
 }
 
 std::string NameOfFocus(wxTopLevelWindow& form) {

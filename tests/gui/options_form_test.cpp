@@ -294,6 +294,7 @@ TEST(FOptions, TheListGrowsWithTheDialogAndItsSizeIsThatOfTheLastTime) {
       const wxSize list = List(form).GetSize();
       form.SetSize(form.GetSize() + form.FromDIP(wxSize(90, 70)));
       grown = WaitFor([&] { return List(form).GetSize() == list + form.FromDIP(wxSize(90, 70)); });
+      EXPECT_TRUE(WaitFor([&] { return IsInPlace(form); }));
       before = form.GetSize();
       PressKey(WXK_ESCAPE);
       EndUnlessHidden(form);
@@ -301,9 +302,10 @@ TEST(FOptions, TheListGrowsWithTheDialogAndItsSizeIsThatOfTheLastTime) {
   }
 
   FOptions again(nullptr, world.application, world.help);
+  ShowAndActivate(again);
 
   EXPECT_TRUE(grown);
-  EXPECT_EQ(again.GetSize(), before);
+  EXPECT_TRUE(WaitFor([&] { return again.GetSize() == before; }));
 }
 
 }  // namespace

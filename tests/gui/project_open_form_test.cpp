@@ -404,7 +404,7 @@ TEST(FProjectOpen, ItsSizeIsThatOfTheLastTime) {
     FProjectOpen form(nullptr, world.application);
     Choose(form, [&] {
       form.SetSize(form.GetSize() + form.FromDIP(wxSize(90, 70)));
-      LetEventsRun();
+      EXPECT_TRUE(WaitFor([&] { return IsInPlace(form); }));
       before = form.GetSize();
       PressKey(WXK_ESCAPE);
       EndUnlessHidden(form);
@@ -412,8 +412,9 @@ TEST(FProjectOpen, ItsSizeIsThatOfTheLastTime) {
   }
 
   FProjectOpen again(nullptr, world.application);
+  ShowAndActivate(again);
 
-  EXPECT_EQ(again.GetSize(), before);
+  EXPECT_TRUE(WaitFor([&] { return again.GetSize() == before; }));
 }
 
 }  // namespace

@@ -61,7 +61,7 @@ class StateCreate : public StateFormTest<FStateCreate> {
   void End(bool succeeded) {
     form_->End(succeeded, world_.application.texts.GetText(succeeded ? 425 : 424));
   }
-  wxGauge& Bar(const std::string& name) { return Control<wxGauge>(*form_, name); }
+  ProgressBar& Bar(const std::string& name) { return Control<ProgressBar>(*form_, name); }
 
   GuiWorld world_;
   RecordingHelp help_;
@@ -80,7 +80,7 @@ TEST_F(StateCreate, AppearsWhenTheRunBegins) {
   EXPECT_EQ(form_->GetTitle(), "TavixStudio - Setup-Assistent: Status von 'Erstellen'");
   EXPECT_EQ(Text("lblCountPercent"), "0 / 0");
   EXPECT_EQ(Text("lblSizePercent"), "0 %");
-  EXPECT_EQ(Bar("picCount").GetValue(), 0);
+  EXPECT_EQ(Bar("picCount").Filled(), 0);
   EXPECT_TRUE(Button("cmdCancel").HasFocus());
   EXPECT_FALSE(Button("cmdOK").IsEnabled());
 }
@@ -110,17 +110,19 @@ TEST_F(StateCreate, MarksTheStageThatRuns) {
 
 TEST_F(StateCreate, PaintsBothBarsAndTheirTextsWithoutWaitingForEvents) {
   Begin();
-  const std::string count_before = Pixels(Bar("picCount"));
-  const std::string size_before = Pixels(Bar("picSize"));
-  const std::string text_before = Pixels(Label("lblCountPercent"));
+  for (const std::uint64_t done : {3, 4, 17}) {
+    const std::string count_before = Pixels(Bar("picCount"));
+    const std::string size_before = Pixels(Bar("picSize"));
+    const std::string text_before = Pixels(Label("lblCountPercent"));
 
-  EXPECT_TRUE(BecomesTrueWithoutEvents([&] {
-    form_->ShowProgress(MakeCreateProgress(3, 17, 42, 100));
-    return Pixels(Bar("picCount")) != count_before && Pixels(Bar("picSize")) != size_before &&
-           Pixels(Label("lblCountPercent")) != text_before;
-  }));
-  EXPECT_EQ(Text("lblCountPercent"), "3 / 17");
-  EXPECT_EQ(Text("lblSizePercent"), "42 %");
+    EXPECT_TRUE(BecomesTrueWithoutEvents([&] {
+      form_->ShowProgress(MakeCreateProgress(done, 17, done * 5, 85));
+      return Pixels(Bar("picCount")) != count_before && Pixels(Bar("picSize")) != size_before &&
+             Pixels(Label("lblCountPercent")) != text_before;
+    }));
+    EXPECT_EQ(Text("lblCountPercent"), std::to_string(done) + " / 17");
+  }
+  EXPECT_EQ(Text("lblSizePercent"), "100 %");
 }
 
 TEST_F(StateCreate, FillsTheBarsOfSizesBeyondTwoGigabytes) {
@@ -129,22 +131,17 @@ TEST_F(StateCreate, FillsTheBarsOfSizesBeyondTwoGigabytes) {
   form_->ShowProgress(MakeCreateProgress(1, 4, 3 * kGigabyte, 6 * kGigabyte));
   End(/*succeeded=*/false);
 
-  EXPECT_NEAR(Bar("picSize").GetValue(), Bar("picSize").GetRange() / 2, 2);
-  EXPECT_NEAR(Bar("picCount").GetValue(), Bar("picCount").GetRange() / 4, 2);
+  EXPECT_DOUBLE_EQ(Bar("picSize").Filled(), 0.5);
+  EXPECT_DOUBLE_EQ(Bar("picCount").Filled(), 0.25);
 }
 
-TEST_F(StateCreate, FillsABarOnlyWhenEverythingIsDone) {
-  Begin();
+TEST(ProgressBarShare, IsWholeOnlyWhenEverythingIsDone) {
+  constexpr std::uint64_t kLarge = ~std::uint64_t{0};
 
-  form_->ShowProgress(MakeCreateProgress(999999, 1000000, 6 * kGigabyte - 1, 6 * kGigabyte));
-  End(/*succeeded=*/false);
-  EXPECT_LT(Bar("picSize").GetValue(), Bar("picSize").GetRange());
-  EXPECT_LT(Bar("picCount").GetValue(), Bar("picCount").GetRange());
-
-  form_->ShowProgress(MakeCreateProgress(1000000, 1000000, 6 * kGigabyte, 6 * kGigabyte));
-  End(/*succeeded=*/true);
-  EXPECT_EQ(Bar("picSize").GetValue(), Bar("picSize").GetRange());
-  EXPECT_EQ(Bar("picCount").GetValue(), Bar("picCount").GetRange());
+  EXPECT_EQ(FilledShare(0, 0), 0);
+  EXPECT_EQ(FilledShare(0, 7), 0);
+  EXPECT_LT(FilledShare(kLarge - 1, kLarge), 1);
+  EXPECT_EQ(FilledShare(kLarge, kLarge), 1);
 }
 
 TEST_F(StateCreate, MakesRoomForLargeCounts) {
@@ -301,6 +298,7 @@ TEST_F(StateCreate, TheRunNoticesAPressOfCancelWithinOneFile) {
 
   EXPECT_FALSE(result.succeeded);
   EXPECT_TRUE(form_->IsCancelPressed());
+  EXPECT_TRUE(pressed);
   EXPECT_EQ(files_after_press, 0);
   EXPECT_LT(files, 50);
 }

@@ -36,6 +36,13 @@ export DISPLAY=":$number" HOME="$scratch/home" XDG_RUNTIME_DIR="$scratch/runtime
 export XDG_CONFIG_HOME="$scratch/home/.config" XDG_DATA_HOME="$scratch/home/.local/share"
 export GDK_BACKEND=x11 GTK_THEME=Adwaita GSETTINGS_BACKEND=memory NO_AT_BRIDGE=1
 export LANG=C.UTF-8 LC_ALL=C.UTF-8
+# Pictures are the same each time, and a program that waits is at rest.
+mkdir -p "$XDG_CONFIG_HOME/gtk-3.0"
+cat > "$XDG_CONFIG_HOME/gtk-3.0/settings.ini" << 'SETTINGS'
+[Settings]
+gtk-cursor-blink=false
+gtk-enable-animations=false
+SETTINGS
 unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS XMODIFIERS GTK_IM_MODULE 2> /dev/null || true
 
 openbox > "$scratch/manager.log" 2>&1 &

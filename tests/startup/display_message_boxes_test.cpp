@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "fakes/scripted_message_boxes.h"
+#include "fakes/scripted_windows.h"
 
 namespace txs {
 namespace {
@@ -13,20 +14,19 @@ MessageResult ShowQuestion(MessageBoxes& boxes) {
 
 TEST(DisplayMessageBoxes, TouchNoWindowSystemBeforeTheFirstBox) {
   ScriptedMessageBoxes console;
-  int opened = 0;
+  ScriptedWindows windows;
 
-  const DisplayMessageBoxes boxes(console, [&opened]() -> MessageBoxes* {
-    ++opened;
-    return nullptr;
-  });
+  const DisplayMessageBoxes boxes(console, windows.module);
 
-  EXPECT_EQ(opened, 0);
+  EXPECT_EQ(windows.opened, 0);
 }
 
 TEST(DisplayMessageBoxes, AnswerAsTheConsoleWhereThereIsNoDisplay) {
   ScriptedMessageBoxes console;
   console.answers = {MessageResult::kNo};
-  DisplayMessageBoxes boxes(console, []() -> MessageBoxes* { return nullptr; });
+  ScriptedWindows windows;
+  windows.fault = WindowFault::kNoDisplay;
+  DisplayMessageBoxes boxes(console, windows.module);
 
   EXPECT_EQ(ShowQuestion(boxes), MessageResult::kNo);
 }
@@ -34,35 +34,34 @@ TEST(DisplayMessageBoxes, AnswerAsTheConsoleWhereThereIsNoDisplay) {
 TEST(DisplayMessageBoxes, ShowOnBothAndAnswerAsTheWindow) {
   ScriptedMessageBoxes console;
   console.answers = {MessageResult::kNo};
-  ScriptedMessageBoxes window;
-  window.answers = {MessageResult::kYes};
-  DisplayMessageBoxes boxes(console, [&window] { return &window; });
+  ScriptedWindows windows;
+  windows.message_boxes.answers = {MessageResult::kYes};
+  DisplayMessageBoxes boxes(console, windows.module);
 
   const MessageResult answer = ShowQuestion(boxes);
 
   EXPECT_EQ(answer, MessageResult::kYes);
   ASSERT_EQ(console.shown.size(), 1u);
   EXPECT_EQ(console.shown[0].prompt, "prompt");
-  ASSERT_EQ(window.shown.size(), 1u);
-  EXPECT_EQ(window.shown[0].prompt, "prompt");
-  EXPECT_EQ(window.shown[0].buttons, kButtonsYesNo);
-  EXPECT_EQ(window.shown[0].title, "title");
-  EXPECT_EQ(window.shown[0].help_file, "help.chm");
-  EXPECT_EQ(window.shown[0].help_context, 7);
+  const std::vector<ScriptedMessageBoxes::Shown>& shown = windows.message_boxes.shown;
+  ASSERT_EQ(shown.size(), 1u);
+  EXPECT_EQ(shown[0].prompt, "prompt");
+  EXPECT_EQ(shown[0].buttons, kButtonsYesNo);
+  EXPECT_EQ(shown[0].title, "title");
+  EXPECT_EQ(shown[0].help_file, "help.chm");
+  EXPECT_EQ(shown[0].help_context, 7);
 }
 
-TEST(DisplayMessageBoxes, ConnectOnlyOnce) {
+TEST(DisplayMessageBoxes, TryTheDisplayOnlyOnce) {
   ScriptedMessageBoxes console;
-  int opened = 0;
-  DisplayMessageBoxes boxes(console, [&opened]() -> MessageBoxes* {
-    ++opened;
-    return nullptr;
-  });
+  ScriptedWindows windows;
+  windows.fault = WindowFault::kNoDisplay;
+  DisplayMessageBoxes boxes(console, windows.module);
 
   static_cast<void>(ShowQuestion(boxes));
   static_cast<void>(ShowQuestion(boxes));
 
-  EXPECT_EQ(opened, 1);
+  EXPECT_EQ(windows.opened, 1);
 }
 
 }  // namespace

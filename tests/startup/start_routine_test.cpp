@@ -11,7 +11,7 @@
 #include "fakes/demo_project.h"
 #include "fakes/memory_platform.h"
 #include "fakes/recording_create_view.h"
-#include "startup/no_windows_shell.h"
+#include "startup/module_shell.h"
 
 namespace txs {
 namespace {
@@ -269,22 +269,19 @@ TEST_F(StartRoutineTest, MainFormStateIsLoadedBeforeTheFormIsShown) {
   EXPECT_THAT(shell.document.system_files.excluded, ::testing::ElementsAre("kernel32.dll"));
 }
 
-TEST_F(StartRoutineTest, BuildWithoutWindowsSaysSo) {
-  NoWindowsShell no_windows;
+TEST_F(StartRoutineTest, WithoutWindowsItSaysSoOnceWhateverTheCommandLineIs) {
+  for (const char* const command_line : {"", "Demo"}) {
+    WindowModule module([] {
+      return OpenedWindows{.windows = nullptr, .fault = WindowFault::kNoModule, .reason = {}};
+    });
+    ModuleShell no_windows(module);
+    world.message_boxes.shown.clear();
 
-  EXPECT_EQ(RunStartRoutine(world.Get(), messages, no_windows, view, "Demo"), 0);
+    EXPECT_EQ(RunStartRoutine(world.Get(), messages, no_windows, view, command_line), 0);
 
-  ASSERT_EQ(world.message_boxes.shown.size(), 1u);
-  EXPECT_THAT(world.message_boxes.shown[0].title, HasSubstr("1900"));
-}
-
-TEST_F(StartRoutineTest, BuildWithoutWindowsSaysSoOnceForAnEmptyCommandLine) {
-  NoWindowsShell no_windows;
-
-  EXPECT_EQ(RunStartRoutine(world.Get(), messages, no_windows, view, ""), 0);
-
-  ASSERT_EQ(world.message_boxes.shown.size(), 1u);
-  EXPECT_THAT(world.message_boxes.shown[0].title, HasSubstr("1900"));
+    ASSERT_EQ(world.message_boxes.shown.size(), 1u) << "'" << command_line << "'";
+    EXPECT_THAT(world.message_boxes.shown[0].title, HasSubstr("1900"));
+  }
 }
 
 // --- Unattended starts

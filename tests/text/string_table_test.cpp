@@ -29,7 +29,8 @@ const std::vector<long> kAllIds =
          {700, 705},   {724, 725},   {730, 731},   {800, 803},   {810, 811},   {900, 917},
          {1000, 1001}, {1010, 1013}, {1020, 1022}, {1030, 1032}, {1100, 1108}, {1200, 1207},
          {1210, 1211}, {1300, 1306}, {1400, 1406}, {1410, 1416}, {1500, 1514}, {1600, 1605},
-         {1701, 1715}, {1900, 1900}, {1910, 1914}, {1920, 1926}, {1945, 1946}, {1960, 1964}});
+         {1701, 1715}, {1900, 1900}, {1910, 1914}, {1920, 1926}, {1945, 1946}, {1960, 1964},
+         {1975, 1979}});
 
 std::multiset<std::string> Placeholders(std::string_view text) {
   std::multiset<std::string> found;
@@ -199,6 +200,8 @@ const std::vector<Form> kForms = {
     {"Open-Project dialog", {11, 13}},
     {"Options dialog", {10, 11, 12, 803}},
     {"Take-note dialog", {10, 12}},
+    {"state windows", {10, 11, 1960, 1961}},
+    {"message box", {10, 11, 12, 1978, 1979}},
 };
 
 TEST(StringTable, AccessKeysAreUniqueWithinEveryFormInBothLanguages) {

@@ -1,0 +1,249 @@
+#include "ui/wx_message_boxes.h"
+
+#include <gtest/gtest.h>
+#include <wx/app.h>
+#include <wx/button.h>
+#include <wx/clipbrd.h>
+#include <wx/dataobj.h>
+#include <wx/frame.h>
+#include <wx/stattext.h>
+#include <wx/utils.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "gui/gui_support.h"
+#include "ui/wx_text.h"
+
+namespace txs {
+namespace {
+
+constexpr long kGerman = 1031;
+constexpr long kEnglish = 1033;
+
+wxTopLevelWindow* OpenBox() {
+  for (wxWindow* const window : wxTopLevelWindows) {
+    auto* const form = dynamic_cast<wxTopLevelWindow*>(window);
+    if (form != nullptr && form->GetName() == "FMessage" && form->IsActive()) return form;
+  }
+  return nullptr;
+}
+
+struct Box {
+  std::string prompt = "prompt";
+  int buttons = kButtonsOk;
+  std::string title = "title";
+  std::string help_file = {};
+};
+
+struct WxMessageBoxesTest : ::testing::Test {
+  WxMessageBoxes boxes{"TavixStudio"};
+  std::vector<int> helps;
+
+  void Speak(long language_id) {
+    boxes.Use(TextService(language_id), [this](int context) { helps.push_back(context); });
+  }
+
+  // Runs `action` on the box once it is active.
+  MessageResult ShowAnd(const Box& box, const std::function<void(wxTopLevelWindow&)>& action) {
+    bool acted = false;
+    wxTheApp->CallAfter([&] {
+      wxTopLevelWindow* open = nullptr;
+      acted = WaitFor([&open] { return (open = OpenBox()) != nullptr; });
+      if (!acted) return;
+      action(*open);
+      auto& dialog = dynamic_cast<wxDialog&>(*open);
+      const bool answered = WaitFor([&dialog] { return !dialog.IsModal(); });
+      EXPECT_TRUE(answered);
+      if (!answered) dialog.EndModal(wxID_CANCEL);
+    });
+    const MessageResult result =
+        boxes.Show(box.prompt, box.buttons, box.title, box.help_file, /*help_context=*/7);
+    EXPECT_TRUE(acted);
+    return result;
+  }
+};
+
+// --- Answers
+
+struct AnswerCase {
+  const char* name;
+  int buttons;
+  long language_id;
+  int key;
+  int modifiers;
+  MessageResult answer;
+};
+
+class BoxAnswer : public WxMessageBoxesTest, public ::testing::WithParamInterface<AnswerCase> {};
+
+TEST_P(BoxAnswer, IsThatOfTheKey) {
+  const AnswerCase& test = GetParam();
+  Speak(test.language_id);
+
+  const MessageResult answer = ShowAnd({.buttons = test.buttons}, [&test](wxTopLevelWindow&) {
+    PressKey(test.key, test.modifiers);
+  });
+
+  EXPECT_EQ(answer, test.answer);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Keys, BoxAnswer,
+    ::testing::Values(
+        AnswerCase{"EnterIsOk", kButtonsOk, kGerman, WXK_RETURN, 0, MessageResult::kOk},
+        AnswerCase{"EscIsOk", kButtonsOk, kGerman, WXK_ESCAPE, 0, MessageResult::kOk},
+        AnswerCase{"EnterIsYes", kButtonsYesNo, kGerman, WXK_RETURN, 0, MessageResult::kYes},
+        AnswerCase{"EscIsNo", kButtonsYesNo, kGerman, WXK_ESCAPE, 0, MessageResult::kNo},
+        AnswerCase{"GermanYes", kButtonsYesNo, kGerman, 'J', wxMOD_ALT, MessageResult::kYes},
+        AnswerCase{"GermanNo", kButtonsYesNo, kGerman, 'N', wxMOD_ALT, MessageResult::kNo},
+        AnswerCase{"EnglishYes", kButtonsYesNo, kEnglish, 'Y', wxMOD_ALT, MessageResult::kYes},
+        AnswerCase{"EscIsCancel", kButtonsYesNoCancel, kEnglish, WXK_ESCAPE, 0,
+                   MessageResult::kCancel},
+        AnswerCase{"EnglishNo", kButtonsYesNoCancel, kEnglish, 'N', wxMOD_ALT, MessageResult::kNo}),
+    [](const auto& test) { return test.param.name; });
+
+TEST_F(WxMessageBoxesTest, AClickAnswersAsItsButton) {
+  Speak(kGerman);
+
+  const MessageResult answer =
+      ShowAnd({.buttons = kButtonsYesNoCancel | kIconQuestion},
+              [](wxTopLevelWindow& box) { Click(*FindControl(box, "cmdNo")); });
+
+  EXPECT_EQ(answer, MessageResult::kNo);
+}
+
+// --- Looks
+
+TEST_F(WxMessageBoxesTest, TheBoxIsWideEnoughForTheNumberInItsTitle) {
+  const std::string title = TextService(kGerman).Compose(1703).title;
+
+  ShowAnd({.prompt = "!", .title = title}, [&title](wxTopLevelWindow& box) {
+    EXPECT_EQ(FromWx(box.GetTitle()), title);
+    EXPECT_GT(box.GetSize().x, box.GetTextExtent(box.GetTitle()).x + box.FromDIP(100));
+    TakePicture(box, "message-short");
+    PressKey(WXK_RETURN);
+  });
+}
+
+TEST_F(WxMessageBoxesTest, AnEmptyTitleShowsTheApplicationsTitle) {
+  ShowAnd({.title = ""}, [](wxTopLevelWindow& box) {
+    EXPECT_EQ(box.GetTitle(), "TavixStudio");
+    PressKey(WXK_RETURN);
+  });
+}
+
+TEST_F(WxMessageBoxesTest, EveryMessageOfTheTableFitsItsBoxInBothLanguages) {
+  for (const long language : {kGerman, kEnglish}) {
+    Speak(language);
+    for (const long id : {903L, 916L, 917L, 1703L, 1711L, 1715L, 1975L}) {
+      const Message message = TextService(language).Compose(id, {"Förderregler.dll"});
+
+      ShowAnd({.prompt = message.prompt,
+               .buttons = kButtonsYesNoCancel | kIconExclamation | kButtonHelp,
+               .title = message.title,
+               .help_file = "C:\\Help.chm"},
+              [id, language](wxTopLevelWindow& box) {
+                EXPECT_EQ(ClippedControls(box), "") << id;
+                TakePicture(box, "message-" + std::to_string(id) + "-" + std::to_string(language));
+                PressKey(WXK_ESCAPE);
+              });
+    }
+  }
+}
+
+TEST_F(WxMessageBoxesTest, LineBreaksAndAmpersandsAreShownAsTheyAre) {
+  ShowAnd({.prompt = "C:\\R&D\\a.dll\r\n(70: denied)"}, [](wxTopLevelWindow& box) {
+    EXPECT_EQ(Control<wxStaticText>(box, "lblMessage").GetLabelText(),
+              "C:\\R&D\\a.dll\n(70: denied)");
+    PressKey(WXK_RETURN);
+  });
+}
+
+TEST_F(WxMessageBoxesTest, ALongPathIsBrokenBehindABackslashAndLosesNothing) {
+  std::string path = "C:";
+  for (int i = 0; i < 30; ++i) path += "\\Verzeichnis " + std::to_string(i) + "mitlangemNamen";
+  const std::string unbroken = "C:\\" + std::string(300, 'x');
+
+  ShowAnd({.prompt = path + "\r\n" + unbroken, .buttons = kIconCritical},
+          [&](wxTopLevelWindow& box) {
+            wxString text = Control<wxStaticText>(box, "lblMessage").GetLabelText();
+            EXPECT_NE(text.find("\\\n"), wxString::npos);
+            text.Replace("\n", "");
+            EXPECT_EQ(FromWx(text), path + unbroken);
+            EXPECT_LT(box.GetSize().x, box.FromDIP(700));
+            TakePicture(box, "message-long");
+            PressKey(WXK_RETURN);
+          });
+}
+
+// --- Place
+
+TEST_F(WxMessageBoxesTest, TheBoxBelongsToTheActiveWindow) {
+  wxFrame form(nullptr, wxID_ANY, "form");
+  ShowAndActivate(form);
+
+  ShowAnd({}, [&form](wxTopLevelWindow& box) {
+    EXPECT_EQ(box.GetParent(), &form);
+    PressKey(WXK_RETURN);
+  });
+}
+
+TEST_F(WxMessageBoxesTest, TheBusyPointerRestsWhileTheBoxIsOpenAndComesBack) {
+  const wxBusyCursor busy;
+
+  ShowAnd({}, [](wxTopLevelWindow&) {
+    EXPECT_FALSE(wxIsBusy());
+    PressKey(WXK_RETURN);
+  });
+
+  EXPECT_TRUE(wxIsBusy());
+}
+
+// --- Help and clipboard
+
+TEST_F(WxMessageBoxesTest, HelpIsOpenedByButtonAndF1AndLeavesTheBoxOpen) {
+  Speak(kGerman);
+
+  const MessageResult answer =
+      ShowAnd({.buttons = kButtonsYesNo | kButtonHelp, .help_file = "C:\\Help.chm"},
+              [this](wxTopLevelWindow& box) {
+                Click(*FindControl(box, "cmdHelp"));
+                EXPECT_TRUE(WaitFor([this] { return helps.size() == 1; }));
+                PressKey(WXK_F1);
+                EXPECT_TRUE(WaitFor([this] { return helps.size() == 2; }));
+                PressKey('J', wxMOD_ALT);
+              });
+
+  EXPECT_EQ(helps, (std::vector<int>{7, 7}));
+  EXPECT_EQ(answer, MessageResult::kYes);
+}
+
+TEST_F(WxMessageBoxesTest, ABoxThatNamesNoHelpFileHasNoHelpButton) {
+  Speak(kGerman);
+
+  ShowAnd({.buttons = kButtonsOk | kButtonHelp}, [](wxTopLevelWindow& box) {
+    EXPECT_EQ(wxWindow::FindWindowByName("cmdHelp", &box), nullptr);
+    PressKey(WXK_RETURN);
+  });
+}
+
+TEST_F(WxMessageBoxesTest, ControlCCopiesTitleAndText) {
+  ShowAnd({.prompt = "first\r\nsecond", .title = "title (Message 70)"}, [](wxTopLevelWindow&) {
+    PressKey('C', wxMOD_CONTROL);
+    WaitFor([] {
+      const wxClipboardLocker locker;
+      return !!locker && wxTheClipboard->IsSupported(wxDF_UNICODETEXT);
+    });
+    PressKey(WXK_RETURN);
+  });
+
+  const wxClipboardLocker locker;
+  wxTextDataObject copied;
+  ASSERT_TRUE(wxTheClipboard->GetData(copied));
+  EXPECT_EQ(copied.GetText(), "title (Message 70)\n\nfirst\nsecond\n");
+}
+
+}  // namespace
+}  // namespace txs
