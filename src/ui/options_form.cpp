@@ -38,7 +38,7 @@ FOptions::FOptions(wxWindow* parent, Application& application, HelpViewer& help)
   list_frame->GetStaticBox()->SetName("fraVariables");
   captions.Add(*list_frame->GetStaticBox(), 801);
   variables_ = new wxListView(list_frame->GetStaticBox(), wxID_ANY, wxDefaultPosition,
-                              wxDefaultSize, wxLC_REPORT | wxLC_SINGLE_SEL);
+                              wxDefaultSize, wxLC_REPORT | wxLC_SINGLE_SEL | wxBORDER_SIMPLE);
   variables_->SetName("lvwVariables");
   AddColumn(*variables_, captions, 810);
   AddColumn(*variables_, captions, 811);

@@ -55,7 +55,7 @@ std::string FProjectOpen::ProjectName() {
 void FProjectOpen::MakeControls() {
   FormCaptions captions(*this, 600);
   list_ = new wxListView(this, wxID_ANY, wxDefaultPosition, wxDefaultSize,
-                         wxLC_REPORT | wxLC_SINGLE_SEL);
+                         wxLC_REPORT | wxLC_SINGLE_SEL | wxBORDER_SIMPLE);
   list_->SetName("lvwRegisteredProjects");
   AddColumn(*list_, captions, 610);
   AddColumn(*list_, captions, 611);

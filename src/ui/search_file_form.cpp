@@ -102,9 +102,9 @@ wxStaticText* FSearchFile::MakeText(const char* name) {
 
 // Not a list box: that one would press the OK button whenever Enter enters a folder.
 wxListView* FSearchFile::MakeList(const char* name) {
-  auto* const list = new wxListView(this, wxID_ANY, wxDefaultPosition,
-                                    FromDIP(wxSize(kListWidthDip, kListHeightDip)),
-                                    wxLC_REPORT | wxLC_NO_HEADER | wxLC_SINGLE_SEL);
+  auto* const list = new wxListView(
+      this, wxID_ANY, wxDefaultPosition, FromDIP(wxSize(kListWidthDip, kListHeightDip)),
+      wxLC_REPORT | wxLC_NO_HEADER | wxLC_SINGLE_SEL | wxBORDER_SIMPLE);
   list->SetName(name);
   list->AppendColumn(wxEmptyString);
   KeepLastColumnStretched(*list);

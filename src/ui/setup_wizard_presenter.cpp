@@ -487,19 +487,19 @@ void SetupWizardPresenter::Create() {
   Act([this] {
     const AtEnd ended([this] { running_ = false; });
     running_ = true;
-    bool succeeded = false;
     {
       const std::unique_ptr<CreateStateWindow> window = view_.MakeCreateWindow();
-      RunIn(*window, application_, view_, [&](CreateView& state) {
-        succeeded = RunCreate(application_, state).succeeded;
+      RunIn(*window, application_, view_, [this](CreateView& state) {
+        static_cast<void>(RunCreate(application_, state));  // Its window has shown how it ended.
         return std::vector<MissingItem>();
       });
     }
-    if (!succeeded && HasMarks(application_.document.files)) {
+    // The run's check leaves marks only where it found something wrong.
+    if (HasMarks(application_.document.files)) {
       view_.SelectStep(Step::kFiles);
       view_.RefreshFileList();
     }
-    return succeeded;
+    return true;
   });
 }
 
