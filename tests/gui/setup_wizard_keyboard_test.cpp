@@ -155,19 +155,17 @@ TEST_F(MainFormKeys, TabLeadsThroughEveryControlInReadingOrder) {
 }
 
 TEST_F(MainFormKeys, EveryControlThatTakesKeysHasAName) {
-  OnLanguagesDo([&] {
-    for (int step = 1; step <= 5; ++step) {
-      GoToStep(step);
-      const std::string first = NameOf(wxWindow::FindFocus());
-      for (int i = 0; i < 12; ++i) {
-        const std::string control = NameOf(wxWindow::FindFocus());
-        if (control != "tabStep" && control != "tabLanguage") {
-          EXPECT_NE(NameOfFocus(*form_), "") << control;
-        }
-        PressKey(WXK_TAB);
-      }
+  Open();
+  for (const int step : {1, 2, 3, 4, 5}) {
+    GoToStep(step);
+    // What its tabs are is announced by the tabs themselves.
+    for (const wxWindow* focus = wxWindow::FindFocus(); NameOf(focus) != "tabStep";
+         focus = wxWindow::FindFocus()) {
+      EXPECT_NE(NameOfFocus(*form_), "") << NameOf(focus);
+      PressKey(WXK_TAB);
+      ASSERT_TRUE(WaitFor([&] { return wxWindow::FindFocus() != focus; }, 5)) << NameOf(focus);
     }
-  });
+  }
 }
 
 // From an open project to the finished installation, and on to another project.
