@@ -73,7 +73,7 @@ TEST_P(FProjectOpenInBothLanguages, ShowsEveryTextAndClipsNothing) {
   EXPECT_EQ(Control<wxButton>(form, "cmdOpen").GetLabel().utf8_string(),
             german ? "Ö&ffnen" : "&Open");
   EXPECT_EQ(Control<wxButton>(form, "cmdCancel").GetLabel(), german ? "Abbrechen" : "Cancel");
-  EXPECT_EQ(ClippedControls(form), "");
+  EXPECT_TRUE(WaitFor([&] { return ClippedControls(form).empty(); })) << ClippedControls(form);
   TakePicture(form, german ? "project_open_de" : "project_open_en");
 }
 
@@ -89,7 +89,7 @@ TEST_P(FProjectOpenInBothLanguages, SaysInTheEmptyListThatNoProjectIsRegistered)
   EXPECT_EQ(hint.GetLabel().BeforeFirst('\n'),
             german ? "Es ist noch kein Projekt registriert." : "No project is registered yet.");
   EXPECT_TRUE(List(form).GetScreenRect().Contains(hint.GetScreenRect()));
-  EXPECT_EQ(ClippedControls(form), "");
+  EXPECT_TRUE(WaitFor([&] { return ClippedControls(form).empty(); })) << ClippedControls(form);
   TakePicture(form, german ? "project_open_empty_de" : "project_open_empty_en");
 }
 

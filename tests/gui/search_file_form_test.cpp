@@ -102,7 +102,7 @@ TEST_P(FSearchFileInBothLanguages, ShowsEveryTextAndClipsNothing) {
   EXPECT_EQ(text("cmdIgnore"), german ? "&Ignorieren" : "&Ignore");
   EXPECT_EQ(text("cmdCancel"), german ? "Abbrechen" : "Cancel");
   EXPECT_EQ(text("cmdHelp"), german ? "&Hilfe" : "&Help");
-  EXPECT_EQ(ClippedControls(form), "");
+  EXPECT_TRUE(WaitFor([&] { return ClippedControls(form).empty(); })) << ClippedControls(form);
   TakePicture(form, german ? "search_file_de" : "search_file_en");
 }
 
