@@ -4,6 +4,7 @@
 #include <wx/button.h>
 #include <wx/listctrl.h>
 #include <wx/stattext.h>
+#include <wx/uiaction.h>
 
 #include <functional>
 #include <string>
@@ -310,6 +311,22 @@ TEST(FProjectOpen, ArrowsChooseFromTheFirstRowOnAndEnterOpens) {
 
   EXPECT_EQ(first, 0);
   EXPECT_EQ(name, "Kessel & Pumpe");
+}
+
+TEST(FProjectOpen, EnterPressedTwiceInAHurryOpensOnce) {
+  StudioWithProjects world;
+  FProjectOpen form(nullptr, world.application);
+
+  const std::string name = Choose(form, [&] {
+    PressKey(WXK_DOWN);
+    EXPECT_TRUE(WaitFor([&] { return OpenIsEnabled(form); }));
+    wxUIActionSimulator simulator;
+    simulator.Char(WXK_RETURN);
+    simulator.Char(WXK_RETURN);
+    EndUnlessHidden(form);
+  });
+
+  EXPECT_EQ(name, "Abfüllung");
 }
 
 TEST(FProjectOpen, EnterDoesNothingWhileNoRowIsChosen) {
