@@ -8,6 +8,7 @@
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
 #include "scan/dependency_resolution.h"
+#include "scan/full_path.h"
 #include "scan/scan_session.h"
 #include "scan/studio_project_scan.h"
 #include "scan/vb_project_reader.h"
@@ -89,14 +90,41 @@ ScanResult RunScan(Application& application, ScanView& view, SearchFileDialog& d
   return result;
 }
 
+struct AddingByHand::Session {
+  Session(Application& application, ScanView& view, SearchFileDialog& dialog)
+      : scan(application, view, dialog), resolver(scan) {}
+
+  ScanSession scan;
+  DependencyResolver resolver;
+};
+
+AddingByHand::AddingByHand(Application& application, ScanView& view, SearchFileDialog& dialog)
+    : application_(application), view_(view), dialog_(dialog) {}
+
+AddingByHand::~AddingByHand() = default;
+
+AddingByHand::Session& AddingByHand::Open() {
+  if (!session_) session_ = std::make_unique<Session>(application_, view_, dialog_);
+  return *session_;
+}
+
+bool AddingByHand::IsListed(std::string_view path) {
+  return Open().scan.FindListed(FullPath(path)).has_value();
+}
+
+bool AddingByHand::Add(std::string_view path) {
+  constexpr long kMessageAddingFile = 907;
+  const bool added = AtWorkBorder(application_, kMessageAddingFile, std::string(path), [&] {
+    return Open().resolver.AddFile(path, Force::kYes, /*dependency_file=*/{});
+  });
+  // What was being followed when it failed counts as read. The next file deserves a fresh start.
+  if (!added) session_.reset();
+  return added;
+}
+
 bool AddFileByHand(Application& application, ScanView& view, SearchFileDialog& dialog,
                    std::string_view path) {
-  constexpr long kMessageAddingFile = 907;
-  return AtWorkBorder(application, kMessageAddingFile, std::string(path), [&] {
-    ScanSession session(application, view, dialog);
-    DependencyResolver resolver(session);
-    return resolver.AddFile(path, Force::kYes, /*dependency_file=*/{});
-  });
+  return AddingByHand(application, view, dialog).Add(path);
 }
 
 }  // namespace txs

@@ -1,6 +1,7 @@
-// The Scan run, and adding a single file by hand.
+// The Scan run, and adding files by hand.
 #pragma once
 
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -25,8 +26,34 @@ struct ScanResult {
 [[nodiscard]] ScanResult RunScan(Application& application, ScanView& view,
                                  SearchFileDialog& dialog);
 
-// Adds a file that the user chose, once more if it is listed already, and what it needs. `path` is
-// a full path. False after a message (907).
+// Adds the files that the user chose, one by one, each with what it needs. However many they are,
+// the list is looked through once, and the user is asked for a missing file once. Until this goes
+// nobody else may change the file list. `application`, `view` and `dialog` must outlive it.
+class AddingByHand {
+ public:
+  AddingByHand(Application& application, ScanView& view, SearchFileDialog& dialog);
+  ~AddingByHand();
+  AddingByHand(const AddingByHand&) = delete;
+  AddingByHand& operator=(const AddingByHand&) = delete;
+
+  // Whether a row names the file, in whatever spelling. `path` is a full path.
+  [[nodiscard]] bool IsListed(std::string_view path);
+
+  // Adds a file, once more if it is listed already. `path` is a full path. False after a message
+  // (907); what was added until then stays. Never throws.
+  [[nodiscard]] bool Add(std::string_view path);
+
+ private:
+  struct Session;
+  Session& Open();
+
+  Application& application_;
+  ScanView& view_;
+  SearchFileDialog& dialog_;
+  std::unique_ptr<Session> session_;
+};
+
+// Adds a single file: AddingByHand::Add.
 [[nodiscard]] bool AddFileByHand(Application& application, ScanView& view, SearchFileDialog& dialog,
                                  std::string_view path);
 

@@ -67,7 +67,10 @@ std::vector<std::string> AskForFiles(wxWindow* parent, Application& application,
     chosen.Add(dialog.GetPath());
   }
   std::vector<std::string> host_paths;
-  for (const wxString& path : chosen) host_paths.push_back(FromWx(path));
+  for (const wxString& path : chosen) {
+    // Something that is no file of this computer has no path.
+    if (!path.empty()) host_paths.push_back(FromWx(path));
+  }
   return WindowsPaths(application, host_paths);
 }
 

@@ -28,12 +28,12 @@ struct ColumnStyle {
 
 // Cut off in the middle: the variable in front and the file's name behind both stay visible.
 constexpr std::array<ColumnStyle, kFileColumnCount> kColumns = {{
-    {FileColumn::kSource, 330, wxALIGN_LEFT, wxELLIPSIZE_MIDDLE, true},
+    {FileColumn::kSource, 310, wxALIGN_LEFT, wxELLIPSIZE_MIDDLE, true},
     {FileColumn::kDestination, 190, wxALIGN_LEFT, wxELLIPSIZE_MIDDLE, true},
     {FileColumn::kLength, 90, wxALIGN_RIGHT, wxELLIPSIZE_END, false},
-    {FileColumn::kDisk, 60, wxALIGN_LEFT, wxELLIPSIZE_END, false},
-    {FileColumn::kCompressed, 120, wxALIGN_LEFT, wxELLIPSIZE_END, false},
-    {FileColumn::kRegister, 80, wxALIGN_LEFT, wxELLIPSIZE_END, true},
+    {FileColumn::kDisk, 80, wxALIGN_LEFT, wxELLIPSIZE_END, false},
+    {FileColumn::kCompressed, 130, wxALIGN_LEFT, wxELLIPSIZE_END, false},
+    {FileColumn::kRegister, 100, wxALIGN_LEFT, wxELLIPSIZE_END, true},
 }};
 
 unsigned int ModelColumn(FileColumn column) { return static_cast<unsigned int>(column) - 1; }
@@ -199,6 +199,10 @@ void FileGrid::StartEdit(std::size_t row, FileColumn column) {
   shown->GetRenderer()->SetMode(wxDATAVIEW_CELL_INERT);
 }
 
+void FileGrid::TakeEdit() {
+  if (editing_) TakeOpenEdit(*this);
+}
+
 void FileGrid::UpdateMarkStyle() {
   // Bold as well: a colour alone says nothing to everybody.
   const bool dark = wxSystemSettings::GetAppearance().IsUsingDarkBackground();
@@ -278,8 +282,9 @@ void FileGrid::RefreshRows() {
   const std::size_t rows = files_.RowCount();
   if (rows < shown) {
     const std::vector<std::size_t> removed = FindRemoved();
-    if (!IsGoneAfter(removed)) {
-      // Rows were deleted and others changed at once: no telling which row is which.
+    // Without a survivor the control would look for a new current row after each deletion, which
+    // takes seconds. And when others were changed at once, there is no telling which row is which.
+    if (rows == 0 || !IsGoneAfter(removed)) {
       ResetRows();
       return;
     }
@@ -306,7 +311,7 @@ void FileGrid::RemoveRows(const std::vector<std::size_t>& removed) {
   if (GetSelectedItemsCount() != selected_before) AnnounceSelection();
 }
 
-// The row behind the last of `removed` (ascending), or before it when none follows.
+// The row behind the last of `removed` (ascending), or before it when none follows. One is left.
 void FileGrid::MakeSurvivorCurrent(const std::vector<std::size_t>& removed) {
   std::size_t survivor = removed.back() + 1;
   if (survivor > rows_->GetCount()) {
@@ -315,7 +320,7 @@ void FileGrid::MakeSurvivorCurrent(const std::vector<std::size_t>& removed) {
       --survivor;
     }
   }
-  if (survivor > 0) SetCurrentItem(rows_->GetItem(static_cast<unsigned int>(survivor - 1)));
+  SetCurrentItem(rows_->GetItem(static_cast<unsigned int>(survivor - 1)));
 }
 
 void FileGrid::ResetRows() {

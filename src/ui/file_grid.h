@@ -53,6 +53,8 @@ class FileGrid : public wxDataViewCtrl {
   // row.
   void StartEdit(std::size_t row, FileColumn column);
   [[nodiscard]] bool IsEditing() const { return editing_; }
+  // Takes the text of an open edit, as Enter does: before the list is saved, checked or left.
+  void TakeEdit();
 
  private:
   class Rows;

@@ -64,12 +64,20 @@ void OnMenuOpened(GtkEntry* editor, GtkWidget* menu, gpointer /*data*/) {
   g_signal_connect_object(menu, "unmap", G_CALLBACK(OnMenuHidden), editor, GConnectFlags{});
 }
 
+void TakeEdit(GtkWidget* editor, gpointer /*data*/) {
+  if (!GTK_IS_CELL_EDITABLE(editor)) return;
+  // Who listens to the edit may take the editor away.
+  g_object_ref(editor);
+  gtk_cell_editable_editing_done(GTK_CELL_EDITABLE(editor));
+  gtk_cell_editable_remove_widget(GTK_CELL_EDITABLE(editor));
+  g_object_unref(editor);
+}
+
 // Runs before the toolkit's own handler of the lost focus, which drops the edit.
 gboolean OnEditorEvent(GtkWidget* editor, GdkEvent* event, gpointer /*data*/) {
   const bool leaves = event->type == GDK_FOCUS_CHANGE && event->focus_change.in == FALSE;
   if (leaves && g_object_get_data(G_OBJECT(editor), kMenuOpen) == nullptr) {
-    gtk_cell_editable_editing_done(GTK_CELL_EDITABLE(editor));
-    gtk_cell_editable_remove_widget(GTK_CELL_EDITABLE(editor));
+    TakeEdit(editor, nullptr);
   }
   return FALSE;
 }
@@ -92,6 +100,11 @@ void ShowCutTextsAsTooltips(wxDataViewCtrl& list) {
 void TakeEditsWhenLeft(wxDataViewTextRenderer& renderer) {
   g_signal_connect(renderer.GtkGetTextRenderer(), "editing-started", G_CALLBACK(OnEditingStarted),
                    nullptr);
+}
+
+void TakeOpenEdit(wxDataViewCtrl& list) {
+  // The list's only child that can be edited is the editor.
+  gtk_container_foreach(GTK_CONTAINER(list.GtkGetTreeView()), TakeEdit, nullptr);
 }
 
 void ScrollToRow(wxDataViewCtrl& list, unsigned int row) {

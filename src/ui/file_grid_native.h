@@ -13,6 +13,9 @@ void ShowCutTextsAsTooltips(wxDataViewCtrl& list);
 // clicked elsewhere.
 void TakeEditsWhenLeft(wxDataViewTextRenderer& renderer);
 
+// Ends an open edit as Enter does.
+void TakeOpenEdit(wxDataViewCtrl& list);
+
 // Scrolls until the row, counted from 0, is visible. The toolkit's own scrolling glides, and stops
 // half-way when the window is laid out meanwhile.
 void ScrollToRow(wxDataViewCtrl& list, unsigned int row);

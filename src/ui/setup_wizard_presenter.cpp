@@ -1,10 +1,12 @@
 #include "ui/setup_wizard_presenter.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <limits>
 #include <memory>
-#include <unordered_set>
+#include <string_view>
 #include <utility>
 
 #include "create/create_run.h"
@@ -15,7 +17,6 @@
 #include "environment/windows_path.h"
 #include "projects/open_project.h"
 #include "projects/project_registry.h"
-#include "scan/full_path.h"
 #include "scan/scan_run.h"
 #include "scan/scan_view.h"
 #include "ui/run_report.h"
@@ -54,35 +55,6 @@ class AtEnd {
 
  private:
   std::function<void()> undo_;
-};
-
-// Which files the list has, however a row spells them: a project registered with a trailing
-// backslash and a row typed by hand write the same file otherwise than a path variable would. The
-// list may grow meanwhile, but not change.
-class ListedFiles {
- public:
-  explicit ListedFiles(const SetupDocument& document) : document_(document) {}
-
-  [[nodiscard]] bool Has(const std::string& path) {
-    const std::vector<FileRow>& rows = document_.files.Rows();
-    for (; known_rows_ < rows.size(); ++known_rows_) {
-      paths_.insert(FoldCase(PathOf(rows[known_rows_])));
-    }
-    return paths_.contains(FoldCase(FullPath(path)));
-  }
-
- private:
-  [[nodiscard]] std::string PathOf(const FileRow& row) const {
-    try {
-      return FullPath(FromVariableForm(document_.path_variables, row.source));
-    } catch (const RuntimeError&) {
-      return row.source;  // Variables that name each other without end; the check says so.
-    }
-  }
-
-  const SetupDocument& document_;
-  std::size_t known_rows_ = 0;
-  std::unordered_set<std::string> paths_;  // folded
 };
 
 bool SameDirectory(std::string_view left, std::string_view right) {
@@ -466,7 +438,7 @@ void SetupWizardPresenter::AddEach(const std::vector<std::string>& paths) {
   };
 
   SilentScanView silent;
-  ListedFiles listed(application_.document);
+  AddingByHand adding(application_, silent, view_.SearchDialog());
   for (const std::string& path : paths) {
     if (!IsAbsolutePath(path) || application_.platform.files.FolderExists(path)) continue;
     if (IsSystemFile(application_.document.system_files, path)) {
@@ -476,14 +448,14 @@ void SetupWizardPresenter::AddEach(const std::vector<std::string>& paths) {
       });
       continue;
     }
-    if (listed.Has(path)) {
+    if (adding.IsListed(path)) {
       const MessageResult answer =
           while_ready([&] { return Ask(kAskAddAgain, {path}, kButtonsYesNoCancel); });
       if (answer == MessageResult::kNo) continue;
       if (answer != MessageResult::kYes) return;
     }
     // A failure has shown its message; the other files were chosen all the same.
-    static_cast<void>(AddFileByHand(application_, silent, view_.SearchDialog(), path));
+    static_cast<void>(adding.Add(path));
   }
 }
 
@@ -515,19 +487,19 @@ void SetupWizardPresenter::Create() {
   Act([this] {
     const AtEnd ended([this] { running_ = false; });
     running_ = true;
-    bool succeeded = false;
     {
       const std::unique_ptr<CreateStateWindow> window = view_.MakeCreateWindow();
-      RunIn(*window, application_, view_, [&](CreateView& state) {
-        succeeded = RunCreate(application_, state).succeeded;
+      RunIn(*window, application_, view_, [this](CreateView& state) {
+        static_cast<void>(RunCreate(application_, state));  // Its window has shown how it ended.
         return std::vector<MissingItem>();
       });
     }
-    if (!succeeded && HasMarks(application_.document.files)) {
+    // The run's check leaves marks only where it found something wrong.
+    if (HasMarks(application_.document.files)) {
       view_.SelectStep(Step::kFiles);
       view_.RefreshFileList();
     }
-    return succeeded;
+    return true;
   });
 }
 

@@ -3,6 +3,7 @@
 
 #include <span>
 #include <string>
+#include <vector>
 
 #include "document/application.h"
 #include "document/document_check.h"
@@ -12,9 +13,9 @@ namespace txs {
 
 struct TextBox {
   const char* name;  // the control's documented name and index: "txtInfo11"
-  Step step;
   // The field that the box shows and edits.
   std::string& (*field)(StepSettings& steps);
+  Step step;
   bool is_directory;  // normalised when the focus leaves it
 };
 

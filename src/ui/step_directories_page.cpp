@@ -1,6 +1,5 @@
 #include "ui/step_directories_page.h"
 
-#include <wx/imaglist.h>
 #include <wx/sizer.h>
 
 #include <algorithm>
@@ -69,9 +68,12 @@ StepDirectoriesPage::StepDirectoriesPage(wxWindow* parent, FormParts& parts)
 }
 
 wxSizer* StepDirectoriesPage::AddUserDirectories() {
+  // A frame whose caption has an access key.
   wxStaticText* const label = parts_.AddLabel(this, kUserDirectories);
-  list_ = new wxListView(this, wxID_ANY, wxDefaultPosition, FromDIP(wxSize(320, 120)),
-                         wxLC_REPORT | wxLC_SINGLE_SEL | wxBORDER_SIMPLE);
+  auto* const frame = new wxStaticBox(this, wxID_ANY, label);
+  frame->SetName("fraUserDirectories");
+  list_ = new wxListView(frame, wxID_ANY, wxDefaultPosition, FromDIP(wxSize(320, 120)),
+                         wxLC_REPORT | wxLC_SINGLE_SEL);
   list_->SetName("lvwUserDirectories");
   rows_ = RowsOf(*list_);
   AddColumn(*list_, parts_.Captions(), kNameColumn);
@@ -79,23 +81,19 @@ wxSizer* StepDirectoriesPage::AddUserDirectories() {
   list_->SetColumnWidth(0, FromDIP(kNameWidth));
   TipCutOffTexts(*list_);
   parts_.Tie(label, rows_);
-  delete_ = parts_.AddButton(this, "cmdDeleteUserDir", kDelete, [this] { DeleteDirectory(); });
-  rename_ = parts_.AddButton(this, "cmdRenameUserDir", kRename, [this] { BeginRename(); });
-  text_ = new wxTextCtrl(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
+  delete_ = parts_.AddButton(frame, "cmdDeleteUserDir", kDelete, [this] { DeleteDirectory(); });
+  rename_ = parts_.AddButton(frame, "cmdRenameUserDir", kRename, [this] { BeginRename(); });
+  text_ = new wxTextCtrl(frame, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
                          wxTE_PROCESS_ENTER);
   text_->SetName("txtUserDirectory");
   parts_.Captions().Add(kNewDirectory, [this](const wxString& text) { text_->SetHint(text); });
   parts_.Announce(text_, [this] { return text_->GetHint(); });
-  add_ = parts_.AddButton(this, "cmdAddUserDir", kAdd, [this] { AddDirectory(); });
+  add_ = parts_.AddButton(frame, "cmdAddUserDir", kAdd, [this] { AddDirectory(); });
   edit_ = new wxTextCtrl(rows_, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
                          wxTE_PROCESS_ENTER);
   edit_->SetName("txtRenameUserDir");
   edit_->Hide();
   parts_.Announce(edit_, [this] { return rename_->GetLabelText(); });
-  // Rows as tall as the edit box that is laid over them.
-  const int height = edit_->GetBestSize().GetHeight();
-  auto* const images = new wxImageList(1, height, /*mask=*/true, /*initialCount=*/0);
-  list_->AssignImageList(images, wxIMAGE_LIST_SMALL);
 
   auto* const buttons = new wxBoxSizer(wxVERTICAL);
   buttons->Add(delete_, wxSizerFlags().Expand());
@@ -111,17 +109,25 @@ wxSizer* StepDirectoriesPage::AddUserDirectories() {
   grid->Add(buttons, wxSizerFlags().Expand());
   grid->Add(box, wxSizerFlags().Expand());
   grid->Add(add_, wxSizerFlags().Expand());
-  auto* const rows = new wxBoxSizer(wxVERTICAL);
-  rows->Add(label);
-  rows->Add(grid, wxSizerFlags(1).Expand().Border(wxTOP, FromDIP(4)));
-  return rows;
+  auto* const group = new wxStaticBoxSizer(frame, wxVERTICAL);
+  group->Add(grid, wxSizerFlags(1).Expand().Border(wxALL, FromDIP(8)));
+  return group;
 }
 
 void StepDirectoriesPage::BindList() {
   list_->Bind(wxEVT_LIST_ITEM_SELECTED, [this](wxListEvent&) { EnableButtons(); });
   list_->Bind(wxEVT_LIST_ITEM_DESELECTED, [this](wxListEvent&) { EnableButtons(); });
   // A double click, or Enter.
-  list_->Bind(wxEVT_LIST_ITEM_ACTIVATED, [this](wxListEvent&) { BeginRename(); });
+  list_->Bind(wxEVT_LIST_ITEM_ACTIVATED, [this](wxListEvent& event) {
+    list_->Select(event.GetIndex());
+    BeginRename();
+  });
+  // Tab leads to a row that would be current and not selected.
+  rows_->Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
+    event.Skip();
+    if (Selected() || list_->GetItemCount() == 0) return;
+    list_->Select(std::max(list_->GetFocusedItem(), 0L));
+  });
   list_->Bind(wxEVT_LIST_KEY_DOWN, [this](wxListEvent& event) {
     if (event.GetKeyCode() == WXK_DELETE) {
       DeleteDirectory();

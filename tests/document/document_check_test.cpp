@@ -355,6 +355,39 @@ TEST_F(DocumentCheck, SumOfAbsurdLengthsStaysTheLargestNumber) {
   EXPECT_EQ(steps_.total_bytes_label, "18446744073709551615");
 }
 
+TEST_F(DocumentCheck, MeasuringTakesLengthsAfreshWithoutMarksAndMessages) {
+  document_.files.Append("<ProjectDir>\\gone.dll", "", "0");
+  document_.files.Row(1).length_bytes = 7;
+  document_.files.Row(1).marked = true;
+  document_.files.Row(2).length_bytes = 500;
+
+  MeasureFiles(world_.application);
+
+  EXPECT_EQ(document_.files.Row(1).length_bytes, 1000u);
+  EXPECT_TRUE(document_.files.Row(1).marked);
+  EXPECT_EQ(document_.files.Row(2).length_bytes, std::nullopt);
+  EXPECT_FALSE(document_.files.Row(2).marked);
+  EXPECT_EQ(steps_.file_count_label, "3");
+  EXPECT_EQ(steps_.total_bytes_label, "1234");
+  EXPECT_THAT(world_.MessageIds(), IsEmpty());
+}
+
+TEST_F(DocumentCheck, MeasuringPassesOverAPathThatCannotBeResolved) {
+  document_.path_variables.clear();
+  for (int n = 1; n <= 60; ++n) {
+    const std::string next = "<V" + std::to_string(n + 1) + ">";
+    document_.path_variables.push_back({"<V" + std::to_string(n) + ">", next + next});
+  }
+  document_.path_variables.push_back({"<ProjectDir>", "C:\\Demo"});
+  document_.files.Row(1).source = "<V1>";
+  document_.files.Row(1).length_bytes = 7;
+
+  MeasureFiles(world_.application);
+
+  EXPECT_EQ(document_.files.Row(1).length_bytes, std::nullopt);
+  EXPECT_EQ(steps_.total_bytes_label, "234");
+}
+
 // --- Errors
 
 TEST_F(DocumentCheck, CountsAFileThatCannotBeAskedAsMissing) {

@@ -314,8 +314,9 @@ TEST_F(FileGridTest, TheMouseMakesAColumnWider) {
   Show();
   const int before = grid_->ColumnWidths().front();
   const wxRect cell = grid_->GetItemRect(Item(1), Column(FileColumn::kSource));
+  // The divider stands behind the cell's padding.
   const wxPoint edge =
-      grid_->ClientToScreen(wxPoint(cell.x + cell.width, cell.y - cell.height / 2));
+      grid_->ClientToScreen(wxPoint(cell.x + cell.width + 3, cell.y - cell.height / 2));
 
   wxUIActionSimulator simulator;
   simulator.MouseMove(edge);
@@ -659,6 +660,21 @@ TEST_F(FileGridTest, LeavingTheCellTakesItsText) {
   EXPECT_THAT(grid_->SelectedRows(), ElementsAre(3U));
 }
 
+TEST_F(FileGridTest, AnOpenEditCanBeTakenByTheProgram) {
+  AddRows(3);
+  Show();
+  grid_->TakeEdit();
+  OpenEditor(2, FileColumn::kSource);
+  TypeText("saved");
+
+  grid_->TakeEdit();
+
+  EXPECT_FALSE(grid_->IsEditing());
+  EXPECT_THAT(edits_, ElementsAre(Edit{2, FileColumn::kSource, "saved"}));
+  grid_->TakeEdit();
+  EXPECT_THAT(edits_, SizeIs(1));
+}
+
 TEST_F(FileGridTest, TheEditorHoldsAndTakesEveryCharacter) {
   AddRows(3);
   files_.Row(1).source = kHardText;
@@ -805,53 +821,53 @@ TEST_F(FileGridTest, TheWindowMayCloseDuringAnEdit) {
 // A window whose every press of the mouse drags two files.
 class FileSource : public wxFrame {
  public:
-  FileSource() : wxFrame(nullptr, wxID_ANY, "source", wxPoint(1200, 100), wxSize(200, 200)) {
-    panel_ = new wxPanel(this);
-    panel_->Bind(wxEVT_LEFT_DOWN, [this](wxMouseEvent&) {
+  // `pressed` is called when the drag is about to begin.
+  explicit FileSource(const std::function<void()>& pressed)
+      : wxFrame(nullptr, wxID_ANY, "source", wxPoint(1200, 100), wxSize(200, 200)) {
+    auto* const panel = new wxPanel(this);
+    panel->Bind(wxEVT_LEFT_DOWN, [this, panel, pressed](wxMouseEvent&) {
       // As a file manager sends them.
       const std::string uris =
           "file:///tmp/Gr%C3%B6%C3%9Fe%20%26%20Ma%C3%9F.dll\r\nfile:///tmp/b.ocx\r\n";
       wxCustomDataObject files{wxDataFormat(wxDF_FILENAME)};
       files.SetData(uris.size(), uris.data());
-      wxDropSource source(files, panel_);
-      result = source.DoDragDrop();
+      wxDropSource source(files, panel);
+      pressed();
+      source.DoDragDrop();
       done = true;
     });
   }
 
-  wxDragResult result = wxDragNone;
   bool done = false;
-
- private:
-  wxPanel* panel_;
 };
 
 TEST_F(FileGridTest, FilesDroppedOntoTheListAreReportedByTheirHostPaths) {
-  AddRows(3);
-  Show();
-  auto* const source = new FileSource;
-  ShowAndActivate(*source);
-  const wxPoint from = source->GetScreenRect().GetPosition() + wxPoint(100, 100);
-  const wxPoint to = CellOnScreen(2, FileColumn::kSource);
-  // The drag has a loop of its own, in which only a timer comes to the word.
   constexpr int kPauseMilliseconds = 20;
   constexpr int kSteps = 10;
+  AddRows(3);
+  Show();
+  const wxPoint to = CellOnScreen(2, FileColumn::kSource);
+  wxPoint from;
   wxUIActionSimulator simulator;
+  // The drag has a loop of its own, in which only a timer comes to the word.
   wxTimer hand;
   int step = 0;
   hand.Bind(wxEVT_TIMER, [&](wxTimerEvent&) {
     ++step;
-    simulator.MouseMove(from + (to - from) * std::min(step, kSteps) / kSteps);
-    if (step < kSteps || wxGetMousePosition() != to) {
-      hand.StartOnce(kPauseMilliseconds);
+    if (step <= kSteps) {
+      simulator.MouseMove(from + (to - from) * step / kSteps);
     } else {
       simulator.MouseUp();
     }
+    hand.StartOnce(kPauseMilliseconds);
   });
+  auto* const source = new FileSource([&] { hand.StartOnce(kPauseMilliseconds); });
+  ShowAndActivate(*source);
+  const wxRect place = source->GetScreenRect();
+  from = place.GetPosition() + place.GetSize() / 2;
   simulator.MouseMove(from);
   ASSERT_TRUE(WaitFor([&] { return wxGetMousePosition() == from; }));
 
-  hand.StartOnce(kPauseMilliseconds);
   simulator.MouseDown();
 
   EXPECT_TRUE(WaitFor([&] { return source->done && !dropped_.empty(); }));

@@ -18,7 +18,7 @@ from wizard_session import (
     GERMAN,
     Wizard,
     access_key,
-    active_title,
+    active_window,
     message_title,
     picture_of_screen,
 )
@@ -260,7 +260,7 @@ class Result(unittest.TextTestResult):
             return
         path = pathlib.Path(folder) / f"failed-{sys.argv[5]}.png"
         picture_of_screen(path)
-        print(f"'{active_title()}' was active; the screen is in {path}", file=sys.stderr)
+        print(f"'{active_window()[0]}' was active; the screen is in {path}", file=sys.stderr)
 
     def addFailure(self, test, err):
         self.keep_picture()

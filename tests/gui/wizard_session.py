@@ -62,15 +62,16 @@ class Wizard:
     def __init__(self, program, studio, language, *arguments, environment=None):
         self.language = language
         variables = dict(environment or os.environ, TAVIX_ROOT=str(studio))
-        self.errors = open(studio / "standard-error.txt", "w+b")
-        self.process = subprocess.Popen(
-            [str(program), *arguments],
-            env=variables,
-            stdin=subprocess.DEVNULL,
-            stdout=self.errors,
-            stderr=self.errors,
-            cwd=studio,
-        )
+        self.errors = pathlib.Path(studio, "standard-error.txt")
+        with self.errors.open("wb") as errors:
+            self.process = subprocess.Popen(
+                [str(program), *arguments],
+                env=variables,
+                stdin=subprocess.DEVNULL,
+                stdout=errors,
+                stderr=errors,
+                cwd=studio,
+            )
 
     def __enter__(self):
         return self
@@ -79,13 +80,14 @@ class Wizard:
         if self.process.poll() is None:
             self.process.kill()
             self.process.wait()
-        self.errors.close()
 
     # --- Windows
 
     def wait_for(self, title):
-        """Until the active window has this title and the program waits for the user."""
-        self._poll(lambda: active_title() == title, f"'{title}' to become the active window")
+        """Until the active window is this program's, has this title, and the program waits for the
+        user. The window of a program that has just ended stays for a moment."""
+        active = (title, str(self.process.pid))
+        self._poll(lambda: active_window() == active, f"'{title}' to become the active window")
         self.settle()
 
     def wait_for_text(self, number, *parameters):
@@ -101,9 +103,7 @@ class Wizard:
 
     def said(self):
         """What the program wrote to its standard streams."""
-        self.errors.flush()
-        self.errors.seek(0)
-        return self.errors.read().decode(errors="replace")
+        return self.errors.read_text(encoding="utf-8", errors="replace")
 
     def size(self):
         """Width and height of the active window, without its frame."""
@@ -162,7 +162,7 @@ class Wizard:
         while not condition():
             if time.monotonic() > end:
                 raise SessionError(
-                    f"waited for {what}; active is '{active_title()}', "
+                    f"waited for {what}; active is '{active_window()[0]}', "
                     f"exit code {self.process.poll()}, said:\n{self.said()}"
                 )
             time.sleep(POLL_SECONDS)
@@ -184,15 +184,16 @@ def _geometry(window):
     ]
 
 
-def active_title():
-    """Title of the active window; empty when there is none."""
+def active_window():
+    """Title and process of the active window; empty when there is none."""
     result = subprocess.run(
-        ["xdotool", "getactivewindow", "getwindowname"],
+        ["xdotool", "getactivewindow", "getwindowname", "getwindowpid"],
         stdout=subprocess.PIPE,
         stderr=subprocess.DEVNULL,
         check=False,
     )
-    return result.stdout.decode(errors="replace").removesuffix("\n")
+    title, _, process = result.stdout.decode(errors="replace").strip("\n").rpartition("\n")
+    return title, process
 
 
 def picture_of_screen(path):

@@ -3,6 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <vector>
+
 #include "document/document_world.h"
 #include "environment/project_type.h"
 
@@ -95,6 +101,63 @@ TEST_F(OpeningAProject, WhoseSettingsCannotBeReadShowsAMessageAndGivesTheDefault
   EXPECT_THAT(world_.Prompts().front(), HasSubstr("(70: "));
   EXPECT_EQ(application_.document.files.RowCount(), 0u);
   EXPECT_EQ(application_.document.steps.startmenu_link.german, "Süd");
+}
+
+// The extra to-do lines of the project before went into the script of this one.
+TEST_F(OpeningAProject, DropsTheToDoLinesOfTheProjectBefore) {
+  application_.document.extra_todo_lines = {"SetVar(Reboot|1)"};
+
+  EXPECT_TRUE(OpenProject(application_, "Süd"));
+
+  EXPECT_THAT(application_.document.extra_todo_lines, IsEmpty());
+}
+
+TEST_F(OpeningAProject, MayBeTheCurrentOne) {
+  EXPECT_TRUE(OpenProject(application_, "Süd"));
+
+  EXPECT_TRUE(OpenProject(application_, application_.project.name));
+
+  EXPECT_EQ(application_.project.name, "Süd");
+  EXPECT_EQ(application_.project.directory, "C:\\Anlagen\\Süd");
+}
+
+// A component of the studio, which is not this program's own.
+class FailingConfigurator : public ProjectConfigurator {
+ public:
+  explicit FailingConfigurator(std::function<void()> fail) : fail_(std::move(fail)) {}
+  [[nodiscard]] std::string OpenProject(std::string_view) override {
+    fail_();
+    return {};
+  }
+
+ private:
+  std::function<void()> fail_;
+};
+
+TEST_F(OpeningAProject, ShowsWhateverIsThrownAndGivesTheDefaults) {
+  struct Case {
+    std::function<void()> fail;
+    const char* suffix;
+  };
+  const std::vector<Case> cases = {
+      {[] { throw std::logic_error("component broken"); }, "(51: component broken)"},
+      {[] { throw std::bad_alloc(); }, "(7: Out of memory)"},
+      {[] { throw RuntimeError(ErrorNumber::kDeviceIo, "component lost"); },
+       "(57: component lost)"}};
+  world_.Put(kSettings, "[file]\r\n01=a.dll,<WinSysDir>,1\r\n");
+  for (const Case& c : cases) {
+    world_.ForgetMessages();
+    application_.configurator = std::make_unique<FailingConfigurator>(c.fail);
+
+    EXPECT_FALSE(OpenProject(application_, "Süd"));
+
+    EXPECT_THAT(world_.MessageIds(), ElementsAre(901));
+    EXPECT_THAT(world_.Prompts().front(), HasSubstr("'Süd'"));
+    EXPECT_THAT(world_.Prompts().front(), EndsWith(c.suffix));
+    EXPECT_EQ(application_.project.name, "Süd");
+    EXPECT_EQ(application_.document.files.RowCount(), 0u);
+    EXPECT_EQ(application_.document.steps.startmenu_link.german, "Süd");
+  }
 }
 
 TEST_F(OpeningAProject, WithoutRegistryKeepsTheDirectoryThatWasGiven) {

@@ -314,5 +314,76 @@ TEST_F(ScanRun, AddsAFileByHandOnceMoreWithWhatItNeeds) {
   EXPECT_THAT(world.Kinds(), ElementsAre("b.ocx 1", "need.dll 0", "b.ocx 1"));
 }
 
+class FilesByHand : public ScanRun {
+ protected:
+  FilesByHand() {
+    for (const char* name : {"a.dll", "b.dll", "c.dll"}) {
+      world.files.AddFile(std::string("C:\\Demo\\") + name, name);
+    }
+  }
+
+  AddingByHand adding{world.application, world.view, world.dialog};
+};
+
+TEST_F(FilesByHand, AreListedFromThenOnInWhateverSpelling) {
+  world.application.document.files.Append("<ProjectDir>\\c.dll", "<WinSysDir>", "0");
+  EXPECT_FALSE(adding.IsListed("C:\\Demo\\a.dll"));
+  EXPECT_TRUE(adding.IsListed("C:\\Demo\\c.dll"));
+
+  EXPECT_TRUE(adding.Add("C:\\Demo\\a.dll"));
+
+  EXPECT_TRUE(adding.IsListed("c:/DEMO//A.dll"));
+  EXPECT_FALSE(adding.IsListed("C:\\Demo\\b.dll"));
+}
+
+TEST_F(FilesByHand, AreListedInAProjectThatIsRegisteredWithATrailingBackslash) {
+  world.application.project.directory = "C:\\Demo\\";
+  world.BuildVariables();
+  world.application.document.files.Append("<ProjectDir>\\c.dll", "<WinSysDir>", "0");
+
+  EXPECT_TRUE(adding.Add("C:\\Demo\\a.dll"));
+
+  EXPECT_TRUE(adding.IsListed("C:\\Demo\\a.dll"));
+  EXPECT_TRUE(adding.IsListed("C:\\Demo\\c.dll"));
+}
+
+TEST_F(FilesByHand, AskForAMissingFileOnce) {
+  world.SetVb6File({"[a.dll]", "Uses1=gone.dll", "[b.dll]", "Uses1=gone.dll"});
+
+  EXPECT_TRUE(adding.Add("C:\\Demo\\a.dll"));
+  EXPECT_TRUE(adding.Add("C:\\Demo\\b.dll"));
+
+  EXPECT_EQ(world.dialog.requests.size(), 1u);
+  EXPECT_THAT(world.Kinds(), ElementsAre("a.dll 0", "b.dll 0"));
+}
+
+// What was being followed when the first one failed counted as read, and stayed out for good.
+TEST_F(FilesByHand, StartAfreshAfterOneThatFailed) {
+  world.SetVb6File(
+      {"[a.dll]", "Uses1=Runtime", "[b.dll]", "Uses1=Runtime", "[Runtime]", "Uses1=d.dll"});
+  world.AddSystemFile("d.dll");
+  world.files.AddFile("C:\\Windows\\System32\\d.dep", Lines({"[d.dll]"}));
+  world.files.FailPath("C:\\Windows\\System32\\d.dep", "OpenForReading",
+                       ErrorNumber::kPermissionDenied);
+  EXPECT_FALSE(adding.Add("C:\\Demo\\a.dll"));
+  EXPECT_THAT(world.messages.Ids(), ElementsAre(907));
+  EXPECT_THAT(world.Kinds(), ElementsAre("a.dll 0"));
+  world.files.StopFailing();
+
+  EXPECT_TRUE(adding.Add("C:\\Demo\\b.dll"));
+
+  EXPECT_THAT(world.Kinds(), ElementsAre("a.dll 0", "b.dll 0", "d.dll 0"));
+}
+
+TEST_F(FilesByHand, ReadEachDependencyFileOnce) {
+  world.SetProductFile({"[x]"});
+
+  for (const char* name : {"a.dll", "b.dll", "c.dll"}) {
+    EXPECT_TRUE(adding.Add(std::string("C:\\Demo\\") + name));
+  }
+
+  EXPECT_EQ(world.Opened(kProductFile), 1u);
+}
+
 }  // namespace
 }  // namespace txs

@@ -25,6 +25,7 @@ class Runs : public testing::Test {
     const std::vector<std::string> diary = view.diary;
     const std::vector<std::string> sources = world.Sources();
     const StepSettings steps_before = steps;
+    const bool changed_before = document.changed;
     const std::vector<long> ids = messages.Ids();
 
     EXPECT_TRUE(presenter.IsRunning());
@@ -58,6 +59,7 @@ class Runs : public testing::Test {
     EXPECT_EQ(view.diary, diary);
     EXPECT_EQ(world.Sources(), sources);
     EXPECT_EQ(steps, steps_before);
+    EXPECT_EQ(document.changed, changed_before);
     EXPECT_EQ(messages.Ids(), ids);
     tried = true;
   }
@@ -522,6 +524,7 @@ TEST_F(AddButton, PassesOverFoldersAndPathsThatAreNotFull) {
   EXPECT_EQ(document.files.RowCount(), 2u);
   EXPECT_FALSE(document.changed);
   EXPECT_THAT(messages.Ids(), IsEmpty());
+  EXPECT_THAT(view.search.requests, IsEmpty());
 }
 
 TEST_F(AddButton, GoesOnWithTheNextFileAfterAFailure) {
