@@ -85,7 +85,7 @@ bool MakeTemporaryDirectory(Application& application, CreateState& state) {
 }
 
 std::string ResolveOutputDirectory(const Application& application) {
-  const std::string directory = NormalizeDirectory(FromVariableForm(
+  std::string directory = NormalizeDirectory(FromVariableForm(
       application.document.path_variables, application.document.steps.setup_directory));
   // Disk directories are deleted in it: a directory that depends on where the process happens to
   // stand is not what anyone meant.

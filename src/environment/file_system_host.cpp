@@ -25,7 +25,7 @@
 namespace txs {
 namespace {
 
-constexpr std::size_t kCopyBlockBytes = 1024 * 1024;
+constexpr std::size_t kCopyBlockBytes = std::size_t{1024} * 1024;
 constexpr mode_t kNewFolderMode = 0777;
 constexpr mode_t kAnyWriteBit = 0222;
 
@@ -515,7 +515,7 @@ std::string HostFileSystem::LocateFile(std::string_view path) const {
 std::string HostFileSystem::LocateTarget(std::string_view path, Use use) const {
   const Place place = Locate(path);
   if (!place.folder_exists) ThrowAbout(ErrorNumber::kPathNotFound, path, "Folder not found");
-  const std::string target = place.Path();
+  std::string target = place.Path();
   struct stat status;
   if (place.exists && stat(target.c_str(), &status) == 0) {
     if (S_ISDIR(status.st_mode)) ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is a folder");

@@ -58,8 +58,7 @@ std::string PathValue(const Registry& registry, std::string_view key, std::strin
 }  // namespace
 
 std::string HostSpecialFolders::Folder(SpecialFolder folder) const {
-  const std::string windows =
-      PathValue(registry_, kNtCurrentVersion, "SystemRoot", {}, "C:\\Windows");
+  std::string windows = PathValue(registry_, kNtCurrentVersion, "SystemRoot", {}, "C:\\Windows");
   Variables variables = {{"SystemRoot", windows},
                          {"windir", windows},
                          {"SystemDrive", windows.substr(0, windows.find(':') + 1)}};

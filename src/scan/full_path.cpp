@@ -42,12 +42,12 @@ std::string FullPath(std::string_view path) {
     const std::string_view part = rest.substr(0, end);
     rest.remove_prefix(std::min(end + 1, rest.size()));
     if (part.empty() || part == ".") continue;
-    if (part != "..") {
-      parts.push_back(part);
-    } else if (parts.size() > split.fixed && parts.back() != "..") {
+    const bool goes_up = part == "..";
+    if (goes_up && parts.size() > split.fixed && parts.back() != "..") {
       parts.pop_back();
-    } else if (split.root.empty()) {
-      parts.push_back(part);  // nothing known to go up from
+    } else if (!goes_up ||
+               split.root.empty()) {  // ".." without a root: nothing known to go up from
+      parts.push_back(part);
     }
   }
 

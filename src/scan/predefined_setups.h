@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 
 #include "environment/clock.h"
@@ -31,13 +32,7 @@ class PredefinedSetups {
   [[nodiscard]] bool Lists(std::string_view path) const;
 
  private:
-  struct Day {
-    int year = 0;
-    int month = 0;
-    int day = 0;
-
-    auto operator<=>(const Day&) const = default;
-  };
+  using Day = std::tuple<int, int, int>;  // year, month, day: compares as days do
 
   [[nodiscard]] static std::optional<Day> ParseDay(std::string_view text);
 

@@ -103,6 +103,7 @@ int ListProjects(ToolContext& context, const Options& options) {
     return kToolDone;
   }
   std::vector<std::array<std::string, 4>> rows;
+  rows.reserve(projects.size());
   for (const RegisteredProject& project : projects) {
     rows.push_back({OneLine(project.name), OneLine(ShownType(project)), OneLine(project.directory),
                     project.exists ? "" : "project file missing"});

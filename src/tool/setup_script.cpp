@@ -13,6 +13,9 @@
 namespace txs {
 namespace {
 
+// 255 characters, of up to three bytes in UTF-8.
+constexpr std::size_t kMaxFileNameBytes = 765;
+
 constexpr std::size_t kMostFaults = 10000;
 constexpr std::size_t kUnbounded = std::numeric_limits<std::size_t>::max();
 
@@ -329,7 +332,7 @@ SetupScript ParseSetupScript(std::string_view bytes) {
 }
 
 bool IsPlainFileName(std::string_view name) {
-  if (name.empty() || name.size() > 255 * 3) return false;
+  if (name.empty() || name.size() > kMaxFileNameBytes) return false;
   if (name.back() == '.' || name.back() == ' ') return false;
   for (const char c : name) {
     if (static_cast<unsigned char>(c) < 0x20) return false;

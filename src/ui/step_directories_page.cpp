@@ -80,7 +80,7 @@ wxSizer* StepDirectoriesPage::AddUserDirectories() {
   AddColumn(*list_, parts_.Captions(), kDirectoryColumn);
   list_->SetColumnWidth(0, FromDIP(kNameWidth));
   TipCutOffTexts(*list_);
-  parts_.Tie(label, rows_);
+  parts_.Tie(label, list_);
   delete_ = parts_.AddButton(frame, "cmdDeleteUserDir", kDelete, [this] { DeleteDirectory(); });
   rename_ = parts_.AddButton(frame, "cmdRenameUserDir", kRename, [this] { BeginRename(); });
   text_ = new wxTextCtrl(frame, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,

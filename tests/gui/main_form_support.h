@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <wx/button.h>
 #include <wx/checkbox.h>
+#include <wx/dirdlg.h>
+#include <wx/filedlg.h>
 #include <wx/listctrl.h>
 #include <wx/modalhook.h>
 #include <wx/notebook.h>
@@ -29,12 +31,15 @@ namespace txs {
 
 // Acts in windows that hold up what opened them: each step waits until a window of its type is
 // active, whatever loop runs by then.
-class Meanwhile : public wxTimer {
+class Meanwhile : public wxTimer, public wxModalDialogHook {
  public:
-  Meanwhile() { Start(kIntervalMilliseconds); }
+  Meanwhile() {
+    Register();
+    Start(kIntervalMilliseconds);
+  }
   ~Meanwhile() override {
     Stop();
-    EXPECT_TRUE(WaitFor([this] { return steps_.empty() && !acting_; }, 0.0)) << "window missing";
+    EXPECT_TRUE(steps_.empty()) << "a window is missing";
   }
 
   template <typename Window>
@@ -44,19 +49,17 @@ class Meanwhile : public wxTimer {
   // A run does not go on while `action` waits: what the run does is waited for with `ready`.
   template <typename Window>
   Meanwhile& When(std::function<bool(Window&)> ready, std::function<void(Window&)> action) {
-    steps_.push_back([ready = std::move(ready), action = std::move(action)] {
-      for (wxWindow* const window : wxTopLevelWindows) {
-        auto* const found = dynamic_cast<Window*>(window);
-        auto* const form = dynamic_cast<wxTopLevelWindow*>(window);
-        if (found == nullptr || !form->IsShownOnScreen() || !form->IsActive()) continue;
-        if (!ready(*found)) return false;
-        action(*found);
-        return true;
-      }
-      return false;
+    steps_.push_back([this, ready = std::move(ready), action = std::move(action)] {
+      auto* const window = FindActive<Window>();
+      if (window == nullptr || !ready(*window)) return false;
+      action(*window);
+      return true;
     });
     return *this;
   }
+
+  // Every step was taken.
+  [[nodiscard]] bool IsDone() const { return steps_.empty() && !acting_; }
 
   void Notify() override {
     if (acting_ || steps_.empty()) return;
@@ -65,10 +68,33 @@ class Meanwhile : public wxTimer {
     acting_ = false;
   }
 
+ protected:
+  int Enter(wxDialog* dialog) override {
+    const bool is_platform_dialog = dynamic_cast<wxFileDialog*>(dialog) != nullptr ||
+                                    dynamic_cast<wxDirDialog*>(dialog) != nullptr;
+    platform_dialog_ = is_platform_dialog ? dialog : nullptr;
+    return wxID_NONE;
+  }
+  void Exit(wxDialog* /*dialog*/) override { platform_dialog_ = nullptr; }
+
  private:
   static constexpr int kIntervalMilliseconds = 10;
 
+  template <typename Window>
+  Window* FindActive() {
+    // The platform's own dialogs are in no list and do not tell that they are active.
+    if (auto* const found = dynamic_cast<Window*>(platform_dialog_)) {
+      return found->IsShown() ? found : nullptr;
+    }
+    for (wxWindow* const window : wxTopLevelWindows) {
+      auto* const found = dynamic_cast<Window*>(window);
+      if (found != nullptr && found->IsShownOnScreen() && found->IsActive()) return found;
+    }
+    return nullptr;
+  }
+
   std::deque<std::function<bool()>> steps_;
+  wxDialog* platform_dialog_ = nullptr;
   bool acting_ = false;
 };
 
@@ -84,7 +110,9 @@ class MainFormTest : public testing::Test {
   void Open(long language_id = 1031, const std::string& designer = "Visual Basic 6.0") {
     world_ = std::make_unique<GuiWorld>(language_id);
     InstallDemoProject(world_->platform);
-    Files().AddFile("C:\\Projects\\Demo\\Demo.txs", "[Global]\r\nDesigner=" + designer + "\r\n");
+    Files().AddFile("C:\\Projects\\Demo\\Demo.txs",
+                    "[Global]\r\nDesigner=" + designer + "\r\nDesignerProject=Demo.vbp\r\n");
+    Files().AddFile("C:\\Projects\\Demo\\Demo.vbp", "Type=Exe\r\nExeName32=\"Demo.exe\"\r\n");
     LoadMainFormState(App());
     // Its programs are not part of the demo project.
     App().use_runtime_setup = false;
@@ -122,18 +150,24 @@ class MainFormTest : public testing::Test {
   }
   std::string BoxText(const std::string& name) { return Box(name).GetValue().utf8_string(); }
   int SelectedStep() { return Find<wxNotebook>("tabStep").GetSelection() + 1; }
+  // What an event leads to; the window system may take a moment to bring the event.
+  bool StepIs(int step) {
+    return WaitFor([&] { return SelectedStep() == step; }, 5);
+  }
+  bool MessagesAre(const std::vector<long>& ids) {
+    return WaitFor([&] { return MessageIds() == ids; }, 5);
+  }
   std::string FocusName() {
     const wxWindow* const focus = wxWindow::FindFocus();
     return focus == nullptr ? std::string() : focus->GetName().utf8_string();
   }
   bool FocusIs(const std::string& name) {
-    return WaitFor([&] { return FocusName() == name; }, 5) ||
-           (Note("focus: " + FocusName()), false);
+    return WaitFor([&] { return FocusName() == name; }, 5);
   }
 
   void GoToStep(int step) {
     PressKey('0' + step, wxMOD_ALT);
-    EXPECT_TRUE(WaitFor([&] { return SelectedStep() == step; }));
+    EXPECT_TRUE(StepIs(step));
     LetEventsRun();
   }
   // The middle of a tab.
@@ -157,7 +191,6 @@ class MainFormTest : public testing::Test {
     PressKey(menu, wxMOD_ALT);
     PressKey(command);
   }
-  void Note(const std::string& text) { std::puts(text.c_str()); }
 
   RecordingHelp help_;
   std::unique_ptr<GuiWorld> world_;

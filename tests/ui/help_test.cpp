@@ -30,7 +30,7 @@ class Viewer : public HelpViewer {
 };
 
 class Help : public testing::TestWithParam<long> {
- protected:
+ public:
   [[nodiscard]] bool IsGerman() const { return GetParam() == kGerman; }
 
   WizardWorld world{GetParam()};

@@ -69,21 +69,21 @@ TEST(ReportText, KeepsALineALineWhateverAFileIsCalled) {
 }
 
 class Collecting : public testing::Test {
- protected:
+ public:
   void Say(const std::string& prompt) {
     Message message;
     message.prompt = prompt;
-    messages_.ShowMessage(message);
+    messages.ShowMessage(message);
   }
 
-  RecordingMessages messages_;
+  RecordingMessages messages;
 };
 
 TEST_F(Collecting, NotesPromptsInTheirOrderWhileItLives) {
   Say("before");
   std::vector<std::string> prompts;
   {
-    const MessageCollector collector(messages_);
+    const MessageCollector collector(messages);
     Say("first");
     Say("second");
     prompts = collector.Prompts();
@@ -94,16 +94,16 @@ TEST_F(Collecting, NotesPromptsInTheirOrderWhileItLives) {
 }
 
 TEST_F(Collecting, WithoutMessagesHasNone) {
-  const MessageCollector collector(messages_);
+  const MessageCollector collector(messages);
 
   EXPECT_THAT(collector.Prompts(), IsEmpty());
 }
 
 TEST_F(Collecting, LetsWhoeverListenedBeforeHearThemToo) {
   std::vector<std::string> heard;
-  messages_.SetListener([&heard](const Message& message) { heard.push_back(message.prompt); });
+  messages.SetListener([&heard](const Message& message) { heard.push_back(message.prompt); });
   {
-    const MessageCollector collector(messages_);
+    const MessageCollector collector(messages);
     Say("during");
   }
   Say("after");
@@ -112,9 +112,9 @@ TEST_F(Collecting, LetsWhoeverListenedBeforeHearThemToo) {
 }
 
 TEST_F(Collecting, CanBeNested) {
-  const MessageCollector outer(messages_);
+  const MessageCollector outer(messages);
   {
-    const MessageCollector inner(messages_);
+    const MessageCollector inner(messages);
     Say("both");
     EXPECT_THAT(inner.Prompts(), ElementsAre("both"));
   }

@@ -17,7 +17,7 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 class Runs : public testing::Test {
- protected:
+ public:
   void Answer(MessageResult answer) { messages.answers.push_back(answer); }
 
   // Everything that must not happen while a run is under way, tried at once.
@@ -375,7 +375,7 @@ TEST_F(CreateButton, ReplacesTheDisksOfTheRunBefore) {
 // --- Adding files by hand
 
 class AddButton : public Runs {
- protected:
+ public:
   AddButton() {
     for (const char* name : {"a.dll", "b.dll", "c.dll"}) {
       world.Put(std::string("C:\\Demo\\") + name, std::string(100, 'x'));

@@ -23,7 +23,7 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 class MainForm : public testing::Test {
- protected:
+ public:
   void Answer(MessageResult answer) { messages.answers.push_back(answer); }
 
   void Type(const char* box, const std::string& text) {

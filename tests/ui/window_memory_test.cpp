@@ -37,62 +37,62 @@ class ThrowingRegistry : public MemoryRegistry {
 };
 
 class WindowMemory : public testing::Test {
- protected:
+ public:
   [[nodiscard]] std::optional<RememberedWindow> RecallFrom(const RegistryValue& kept) {
-    registry_.Write(Hive::kCurrentUser, kKey, "Placement", kept);
-    return RecallWindow(registry_, "FSetupWizard");
+    registry.Write(Hive::kCurrentUser, kKey, "Placement", kept);
+    return RecallWindow(registry, "FSetupWizard");
   }
 
-  CountingRegistry registry_;
+  CountingRegistry registry;
 };
 
 TEST_F(WindowMemory, GivesBackWhatWasRemembered) {
   const RememberedWindow wide{1200, 800, /*maximized=*/true, {300, 120, 60, 40, 90, 70}};
   const RememberedWindow plain{640, 480, /*maximized=*/false, {}};
 
-  RememberWindow(registry_, "FSetupWizard", wide);
-  RememberWindow(registry_, "FOptions", plain);
+  RememberWindow(registry, "FSetupWizard", wide);
+  RememberWindow(registry, "FOptions", plain);
 
-  EXPECT_EQ(RecallWindow(registry_, "FSetupWizard"), wide);
-  EXPECT_EQ(RecallWindow(registry_, "FOptions"), plain);
+  EXPECT_EQ(RecallWindow(registry, "FSetupWizard"), wide);
+  EXPECT_EQ(RecallWindow(registry, "FOptions"), plain);
 }
 
 TEST_F(WindowMemory, StandsBelowTheWizardsOwnKey) {
-  RememberWindow(registry_, "FSetupWizard", {640, 480, /*maximized=*/false, {100, 50}});
+  RememberWindow(registry, "FSetupWizard", {640, 480, /*maximized=*/false, {100, 50}});
 
-  EXPECT_EQ(registry_.Read(Hive::kCurrentUser, kKey, "Placement"),
+  EXPECT_EQ(registry.Read(Hive::kCurrentUser, kKey, "Placement"),
             RegistryValue(std::string("640,480,0,100,50")));
 }
 
 TEST_F(WindowMemory, HasNothingOfAFormThatWasNeverOpen) {
-  RememberWindow(registry_, "FOptions", {640, 480, /*maximized=*/false, {}});
+  RememberWindow(registry, "FOptions", {640, 480, /*maximized=*/false, {}});
 
-  EXPECT_EQ(RecallWindow(registry_, "FSetupWizard"), std::nullopt);
+  EXPECT_EQ(RecallWindow(registry, "FSetupWizard"), std::nullopt);
 }
 
 TEST_F(WindowMemory, ReplacesWhatItRemembered) {
-  RememberWindow(registry_, "FSetupWizard", {640, 480, /*maximized=*/false, {100, 50}});
+  RememberWindow(registry, "FSetupWizard", {640, 480, /*maximized=*/false, {100, 50}});
 
-  RememberWindow(registry_, "FSetupWizard", {800, 600, /*maximized=*/false, {70}});
+  RememberWindow(registry, "FSetupWizard", {800, 600, /*maximized=*/false, {70}});
 
-  EXPECT_EQ(RecallWindow(registry_, "FSetupWizard"),
+  EXPECT_EQ(RecallWindow(registry, "FSetupWizard"),
             (RememberedWindow{800, 600, /*maximized=*/false, {70}}));
 }
 
 TEST_F(WindowMemory, WritesNothingWhenTheSameIsKept) {
   const RememberedWindow window{640, 480, /*maximized=*/false, {100, 50}};
-  RememberWindow(registry_, "FSetupWizard", window);
-  const int writes = registry_.writes;
+  RememberWindow(registry, "FSetupWizard", window);
+  const int writes = registry.writes;
 
-  RememberWindow(registry_, "FSetupWizard", window);
+  RememberWindow(registry, "FSetupWizard", window);
 
-  EXPECT_EQ(registry_.writes, writes);
+  EXPECT_EQ(registry.writes, writes);
 }
 
 TEST_F(WindowMemory, WritesOnceForEverythingOfAWindow) {
-  RememberWindow(registry_, "FSetupWizard", {640, 480, /*maximized=*/true, {100, 50}});
+  RememberWindow(registry, "FSetupWizard", {640, 480, /*maximized=*/true, {100, 50}});
 
-  EXPECT_EQ(registry_.writes, 1);
+  EXPECT_EQ(registry.writes, 1);
 }
 
 TEST_F(WindowMemory, TakesSizesFrom1To32767) {
@@ -113,26 +113,26 @@ TEST_F(WindowMemory, PassesOverWhatMakesNoSense) {
 TEST_F(WindowMemory, ReplacesWhatMakesNoSense) {
   EXPECT_EQ(RecallFrom(std::string("nonsense")), std::nullopt);
 
-  RememberWindow(registry_, "FSetupWizard", {640, 480, /*maximized=*/false, {}});
+  RememberWindow(registry, "FSetupWizard", {640, 480, /*maximized=*/false, {}});
 
-  EXPECT_EQ(RecallWindow(registry_, "FSetupWizard"),
+  EXPECT_EQ(RecallWindow(registry, "FSetupWizard"),
             (RememberedWindow{640, 480, /*maximized=*/false, {}}));
 }
 
 TEST_F(WindowMemory, PassesOverARegistryThatRefuses) {
-  registry_.refuse_changes = ErrorNumber::kPermissionDenied;
+  registry.refuse_changes = ErrorNumber::kPermissionDenied;
 
-  EXPECT_NO_THROW(RememberWindow(registry_, "FSetupWizard", {640, 480, /*maximized=*/false, {}}));
+  EXPECT_NO_THROW(RememberWindow(registry, "FSetupWizard", {640, 480, /*maximized=*/false, {}}));
 
-  EXPECT_EQ(registry_.writes, 1);
-  EXPECT_EQ(RecallWindow(registry_, "FSetupWizard"), std::nullopt);
+  EXPECT_EQ(registry.writes, 1);
+  EXPECT_EQ(RecallWindow(registry, "FSetupWizard"), std::nullopt);
 }
 
 TEST_F(WindowMemory, NeverThrows) {
-  ThrowingRegistry registry;
+  ThrowingRegistry throwing;
 
-  EXPECT_EQ(RecallWindow(registry, "FSetupWizard"), std::nullopt);
-  EXPECT_NO_THROW(RememberWindow(registry, "FSetupWizard", {640, 480, /*maximized=*/false, {}}));
+  EXPECT_EQ(RecallWindow(throwing, "FSetupWizard"), std::nullopt);
+  EXPECT_NO_THROW(RememberWindow(throwing, "FSetupWizard", {640, 480, /*maximized=*/false, {}}));
 }
 
 }  // namespace
