@@ -42,6 +42,23 @@ void StretchLastColumn(wxListView& list) {
   if (room > list.GetColumnWidth(last)) list.SetColumnWidth(last, room);
 }
 
+// The window manager may give another frame than that of the window before, by which wxWidgets has
+// measured; the contents would then lack the difference.
+void KeepContentsWhole(wxDialog& dialog) {
+  dialog.Bind(wxEVT_SIZE, [&dialog, corrected = false](wxSizeEvent& event) mutable {
+    event.Skip();
+    const wxSize needed = dialog.GetSizer()->GetMinSize();
+    const wxSize has = dialog.GetClientSize();
+    const bool lacks = has.GetWidth() < needed.GetWidth() || has.GetHeight() < needed.GetHeight();
+    // Once: a screen may be too small, and the window manager would answer for ever.
+    if (!lacks || corrected || !dialog.IsShown()) return;
+    corrected = true;
+    wxSize whole = has;
+    whole.IncTo(needed);
+    dialog.CallAfter([&dialog, whole] { dialog.SetClientSize(whole); });
+  });
+}
+
 }  // namespace
 
 void OfferHelp(wxDialog& dialog, Application& application, HelpViewer& help) {
@@ -75,6 +92,7 @@ void FinishDialog(wxDialog& dialog, wxSizer* content, wxStdDialogButtonSizer* bu
   rows->AddSpacer(dialog.FromDIP(kGapDip));
   rows->Add(buttons, wxSizerFlags().Expand().Border(wxBOTTOM, dialog.FromDIP(kGapDip)));
   dialog.SetSizerAndFit(rows);
+  KeepContentsWhole(dialog);
   dialog.SetIcons(ApplicationIcons());
   dialog.CentreOnParent();
 }

@@ -23,7 +23,7 @@ constexpr long kFileNotWritten = 911;
 constexpr int kGapDip = 8;
 constexpr int kMinListWidthDip = 460;
 constexpr int kMaxListWidthDip = 900;
-constexpr int kListHeightDip = 230;
+constexpr int kListHeightDip = 240;
 
 }  // namespace
 

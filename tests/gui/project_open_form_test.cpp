@@ -4,6 +4,7 @@
 #include <wx/button.h>
 #include <wx/listctrl.h>
 #include <wx/stattext.h>
+#include <wx/uiaction.h>
 
 #include <functional>
 #include <string>
@@ -73,7 +74,7 @@ TEST_P(FProjectOpenInBothLanguages, ShowsEveryTextAndClipsNothing) {
   EXPECT_EQ(Control<wxButton>(form, "cmdOpen").GetLabel().utf8_string(),
             german ? "Ö&ffnen" : "&Open");
   EXPECT_EQ(Control<wxButton>(form, "cmdCancel").GetLabel(), german ? "Abbrechen" : "Cancel");
-  EXPECT_EQ(ClippedControls(form), "");
+  EXPECT_TRUE(WaitFor([&] { return ClippedControls(form).empty(); })) << ClippedControls(form);
   TakePicture(form, german ? "project_open_de" : "project_open_en");
 }
 
@@ -89,7 +90,7 @@ TEST_P(FProjectOpenInBothLanguages, SaysInTheEmptyListThatNoProjectIsRegistered)
   EXPECT_EQ(hint.GetLabel().BeforeFirst('\n'),
             german ? "Es ist noch kein Projekt registriert." : "No project is registered yet.");
   EXPECT_TRUE(List(form).GetScreenRect().Contains(hint.GetScreenRect()));
-  EXPECT_EQ(ClippedControls(form), "");
+  EXPECT_TRUE(WaitFor([&] { return ClippedControls(form).empty(); })) << ClippedControls(form);
   TakePicture(form, german ? "project_open_empty_de" : "project_open_empty_en");
 }
 
@@ -310,6 +311,22 @@ TEST(FProjectOpen, ArrowsChooseFromTheFirstRowOnAndEnterOpens) {
 
   EXPECT_EQ(first, 0);
   EXPECT_EQ(name, "Kessel & Pumpe");
+}
+
+TEST(FProjectOpen, EnterPressedTwiceInAHurryOpensOnce) {
+  StudioWithProjects world;
+  FProjectOpen form(nullptr, world.application);
+
+  const std::string name = Choose(form, [&] {
+    PressKey(WXK_DOWN);
+    EXPECT_TRUE(WaitFor([&] { return OpenIsEnabled(form); }));
+    wxUIActionSimulator simulator;
+    simulator.Char(WXK_RETURN);
+    simulator.Char(WXK_RETURN);
+    EndUnlessHidden(form);
+  });
+
+  EXPECT_EQ(name, "Abfüllung");
 }
 
 TEST(FProjectOpen, EnterDoesNothingWhileNoRowIsChosen) {

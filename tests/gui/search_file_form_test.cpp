@@ -102,7 +102,7 @@ TEST_P(FSearchFileInBothLanguages, ShowsEveryTextAndClipsNothing) {
   EXPECT_EQ(text("cmdIgnore"), german ? "&Ignorieren" : "&Ignore");
   EXPECT_EQ(text("cmdCancel"), german ? "Abbrechen" : "Cancel");
   EXPECT_EQ(text("cmdHelp"), german ? "&Hilfe" : "&Help");
-  EXPECT_EQ(ClippedControls(form), "");
+  EXPECT_TRUE(WaitFor([&] { return ClippedControls(form).empty(); })) << ClippedControls(form);
   TakePicture(form, german ? "search_file_de" : "search_file_en");
 }
 
@@ -131,6 +131,27 @@ TEST(FSearchFile, WithoutAChainNoOneIsSaidToNeedTheFile) {
 
   EXPECT_FALSE(FindControl(dialog.form, "lblNeededBy")->IsShown());
   EXPECT_FALSE(FindControl(dialog.form, "lblChain")->IsShown());
+}
+
+TEST(FSearchFile, ALongPathAndALongChainDoNotWidenTheDialog) {
+  StudioThatMissesAFile world;
+  Dialog usual(world);
+  std::string folder = "C:\\Projects";
+  world.request.chain.clear();
+  for (int i = 0; i < 20; ++i) {
+    folder += "\\A folder of many";
+    world.request.chain.push_back("Component" + std::to_string(i) + ".ocx");
+  }
+  world.platform.files.AddFolder(folder);
+
+  Dialog dialog(world, folder);
+  ShowAndActivate(dialog.form);
+
+  EXPECT_EQ(dialog.form.GetClientSize().GetWidth(), usual.form.GetClientSize().GetWidth());
+  EXPECT_EQ(FindControl(dialog.form, "lblFilePath")->GetToolTipText(), folder);
+  EXPECT_TRUE(WaitFor([&] { return ClippedControls(dialog.form).empty(); }))
+      << ClippedControls(dialog.form);
+  TakePicture(dialog.form, "search_file_long");
 }
 
 TEST(FSearchFile, ChangingTheDriveShowsItsDirectory) {
