@@ -15,7 +15,7 @@ from wizard_session import ENGLISH, GERMAN, Wizard, access_key  # noqa: E402
 
 WIZARD, GENERATOR, DIRECTORY = (pathlib.Path(argument).resolve() for argument in sys.argv[1:4])
 PROJECT = "Mischanlage Süd"
-SIZE = (900, 640)
+SIZE = (1000, 640)
 
 
 def take_all(language, suffix, studio):
