@@ -195,7 +195,9 @@ void FSetupWizard::Beep() { wxBell(); }
 
 void FSetupWizard::Close() { wxFrame::Close(); }
 
-std::string FSetupWizard::ChooseProject() { return FProjectOpen(this, application_).ProjectName(); }
+std::string FSetupWizard::ChooseProject() {
+  return FProjectOpen(this, application_, &help_).ProjectName();
+}
 
 std::vector<std::string> FSetupWizard::ChooseFiles(const FileQuestion& question) {
   return AskForFiles(this, application_, question);
@@ -203,7 +205,7 @@ std::vector<std::string> FSetupWizard::ChooseFiles(const FileQuestion& question)
 
 void FSetupWizard::ShowOptions() { FOptions(this, application_, help_).ShowModal(); }
 
-void FSetupWizard::ShowInfo() { FInfo(this, application_).ShowModal(); }
+void FSetupWizard::ShowInfo() { FInfo(this, application_, &help_).ShowModal(); }
 
 void FSetupWizard::ShowHelpContents() { ShowHelp(application_, help_, kHelpContents); }
 

@@ -11,7 +11,8 @@
 namespace txs {
 
 std::string WxShell::ChooseProject(Application& application) {
-  return FProjectOpen(nullptr, application).ProjectName();
+  DesktopHelpViewer help(application.platform.host_paths);
+  return FProjectOpen(nullptr, application, &help).ProjectName();
 }
 
 void WxShell::RunMainForm(Application& application) {
