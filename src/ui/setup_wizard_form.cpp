@@ -67,7 +67,7 @@ FSetupWizard::FSetupWizard(Application& application, HelpViewer& help)
   // into it until then.
   for (wxWindow* const page : tab_step_->GetChildren()) page->SetSize(page->GetBestSize());
   outer->SetSizeHints(this);
-  wxSize size = FromDIP(wxSize(920, 640));
+  wxSize size = FromDIP(wxSize(960, 640));
   size.IncTo(GetMinSize());
   SetSize(size);
   files_->Grid().SetColumnWidths(RestoreWindow(*this, application.platform.registry, kFormName));
