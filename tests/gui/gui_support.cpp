@@ -20,10 +20,15 @@ namespace {
 
 constexpr int kPauseMilliseconds = 5;
 
+// Each new one would wait for the window system first.
+wxUIActionSimulator& Simulator() {
+  static auto* const simulator = new wxUIActionSimulator;
+  return *simulator;
+}
+
 // The pointer of an earlier test must not lie over the next form's controls.
 void Move(const wxPoint& on_screen) {
-  wxUIActionSimulator simulator;
-  simulator.MouseMove(on_screen);
+  Simulator().MouseMove(on_screen);
   WaitFor([&] { return wxGetMousePosition() == on_screen; }, 2);
 }
 
@@ -119,27 +124,23 @@ void Click(wxWindow& window) {
 
 void ClickAt(const wxPoint& on_screen) {
   Move(on_screen);
-  wxUIActionSimulator simulator;
-  simulator.MouseClick();
+  Simulator().MouseClick();
   LetEventsRun();
 }
 
 void DoubleClickAt(const wxPoint& on_screen) {
   Move(on_screen);
-  wxUIActionSimulator simulator;
-  simulator.MouseDblClick();
+  Simulator().MouseDblClick();
   LetEventsRun();
 }
 
 void PressKey(int key_code, int modifiers) {
-  wxUIActionSimulator simulator;
-  simulator.Char(key_code, modifiers);
+  Simulator().Char(key_code, modifiers);
   LetEventsRun();
 }
 
 void TypeText(const std::string& ascii) {
-  wxUIActionSimulator simulator;
-  simulator.Text(ascii.c_str());
+  Simulator().Text(ascii.c_str());
   LetEventsRun();
 }
 
