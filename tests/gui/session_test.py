@@ -270,6 +270,11 @@ class Result(unittest.TextTestResult):
         self.keep_picture()
         super().addError(test, err)
 
+    def addSubTest(self, test, subtest, err):
+        if err is not None:
+            self.keep_picture()
+        super().addSubTest(test, subtest, err)
+
 
 if __name__ == "__main__":
     unittest.main(

@@ -185,15 +185,19 @@ def _geometry(window):
 
 
 def active_window():
-    """Title and process of the active window; empty when there is none."""
+    """Title and process of the active window; empty when there is none, and as long as it has not
+    got the keyboard: the manager calls a window active a moment before that."""
     result = subprocess.run(
-        ["xdotool", "getactivewindow", "getwindowname", "getwindowpid"],
+        ["xdotool", "getactivewindow", "getwindowname"]
+        + ["getwindowfocus", "getwindowname", "getwindowpid"],
         stdout=subprocess.PIPE,
         stderr=subprocess.DEVNULL,
         check=False,
     )
-    title, _, process = result.stdout.decode(errors="replace").strip("\n").rpartition("\n")
-    return title, process
+    lines = result.stdout.decode(errors="replace").splitlines()
+    if len(lines) != 3 or lines[0] != lines[1]:
+        return "", ""
+    return lines[1], lines[2]
 
 
 def picture_of_screen(path):
