@@ -350,6 +350,8 @@ void WriteSettings(Application& application) {
 }
 
 void ClearSettings(Application& application) {
+  // May fail, and then nothing is cleared.
+  StepSettings defaults = DefaultSteps(application);
   SetupDocument& document = application.document;
   document.program_name.clear();
   document.ini_files.clear();
@@ -359,7 +361,6 @@ void ClearSettings(Application& application) {
 
   // What step 3 chose, the service-pack and MDAC boxes and the project's form designer stay.
   StepSettings& steps = document.steps;
-  StepSettings defaults = DefaultSteps(application);
   steps.info = std::move(defaults.info);
   steps.background_picture = std::move(defaults.background_picture);
   steps.startmenu_folder = std::move(defaults.startmenu_folder);

@@ -80,6 +80,7 @@ FSetupWizard::FSetupWizard(Application& application, HelpViewer& help)
 }
 
 FSetupWizard::~FSetupWizard() {
+  tab_step_->Unbind(wxEVT_NOTEBOOK_PAGE_CHANGED, &FSetupWizard::OnStepChanged, this);
   // The steps' events end in the presenter: they go first.
   delete root_;
 }
@@ -119,7 +120,7 @@ void FSetupWizard::AddCommand(wxMenu* menu, const wxString& key, long caption,
       wxEVT_MENU,
       [this, command = std::move(command)](wxCommandEvent&) {
         // Keys reach a menu that is disabled on some desktops.
-        if (presenter_.IsRunning()) return;
+        if (closed_ || presenter_.IsRunning()) return;
         parts_.TakeEdits();
         command();
       },
@@ -226,6 +227,7 @@ std::unique_ptr<CreateStateWindow> FSetupWizard::MakeCreateWindow() {
 }
 
 void FSetupWizard::OnClose(wxCloseEvent& event) {
+  if (closed_) return;
   if (presenter_.IsRunning()) {
     // The run works on what would be destroyed; its own window has Cancel.
     if (event.CanVeto()) event.Veto();
@@ -237,11 +239,16 @@ void FSetupWizard::OnClose(wxCloseEvent& event) {
     return;
   }
   KeepWindow(*this, application_.platform.registry, kFormName, files_->Grid().ColumnWidths());
+  // The form lives until the toolkit is idle. A key that waits by then must not open a box below
+  // which it goes.
+  closed_ = true;
+  Disable();
+  Hide();
   Destroy();
 }
 
 void FSetupWizard::OnKey(wxKeyEvent& event) {
-  if (presenter_.IsRunning() || !TakeKey(event)) event.Skip();
+  if (closed_ || presenter_.IsRunning() || !TakeKey(event)) event.Skip();
 }
 
 bool FSetupWizard::TakeKey(const wxKeyEvent& event) {

@@ -89,6 +89,7 @@ class FSetupWizard : public wxFrame, public SetupWizardView {
   bool keys_on_tabs_ = false;  // the arrow keys are walking along the tabs
   wxWeakRef<wxWindow> focus_before_run_;
   wxWeakRef<wxWindow> scan_window_;
+  bool closed_ = false;  // waits for the toolkit to delete it
   std::optional<wxBusyCursor> busy_;
 };
 

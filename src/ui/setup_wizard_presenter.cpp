@@ -153,9 +153,9 @@ void SetupWizardPresenter::OpenProject() {
       ShowWarning(application_, kMessageCannotEdit, {name});
       return false;
     }
-    txs::ClearSettings(application_);
     // What a Scan of the project before learned of system files goes too.
     LoadMainFormState(application_);
+    txs::ClearSettings(application_);
     // Unreadable settings were reported; the form then shows the defaults.
     const bool opened = txs::OpenProject(application_, name);
     ShowAll();

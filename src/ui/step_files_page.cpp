@@ -1,6 +1,10 @@
 #include "ui/step_files_page.h"
 
+#include <wx/dialog.h>
 #include <wx/sizer.h>
+#include <wx/toplevel.h>
+
+#include <algorithm>
 
 #include "ui/file_dialogs.h"
 #include "ui/label_for.h"
@@ -19,6 +23,13 @@ constexpr long kScanTip = 1921;
 constexpr long kAddTip = 1922;
 constexpr long kDeleteTip = 1923;
 constexpr long kEmptyList = 1924;
+
+bool IsDialogInFront() {
+  return std::any_of(wxTopLevelWindows.begin(), wxTopLevelWindows.end(), [](wxWindow* window) {
+    const auto* const dialog = dynamic_cast<wxDialog*>(window);
+    return dialog != nullptr && dialog->IsModal();
+  });
+}
 
 }  // namespace
 
@@ -112,7 +123,8 @@ void StepFilesPage::DeleteSelected() {
 }
 
 void StepFilesPage::AddDropped(const std::vector<std::string>& host_paths) {
-  if (parts_.Presenter().IsRunning()) return;
+  // A form that is closing is disabled. A dialog in front of it may be about to change the project.
+  if (!IsEnabled() || parts_.Presenter().IsRunning() || IsDialogInFront()) return;
   const std::vector<std::string> paths = WindowsPaths(parts_.App(), host_paths);
   if (!paths.empty()) parts_.Presenter().AddFiles(paths);
 }

@@ -32,7 +32,12 @@ bool WindowApp::OnExceptionInMainLoop() {
     return true;
   }
   reporting_ = true;
-  reporter_(reason);
+  try {
+    reporter_(reason);
+  } catch (...) {
+    // Not even the box could be shown; whatever leaves from here ends the program.
+    std::cerr << reason << '\n';
+  }
   reporting_ = false;
   return true;
 }
