@@ -20,15 +20,10 @@ namespace {
 
 constexpr int kPauseMilliseconds = 5;
 
-// Each new one would wait for the window system first.
-wxUIActionSimulator& Simulator() {
-  static auto* const simulator = new wxUIActionSimulator;
-  return *simulator;
-}
-
 // The pointer of an earlier test must not lie over the next form's controls.
 void Move(const wxPoint& on_screen) {
-  Simulator().MouseMove(on_screen);
+  wxUIActionSimulator simulator;
+  simulator.MouseMove(on_screen);
   WaitFor([&] { return wxGetMousePosition() == on_screen; }, 2);
 }
 
@@ -124,23 +119,27 @@ void Click(wxWindow& window) {
 
 void ClickAt(const wxPoint& on_screen) {
   Move(on_screen);
-  Simulator().MouseClick();
+  wxUIActionSimulator simulator;
+  simulator.MouseClick();
   LetEventsRun();
 }
 
 void DoubleClickAt(const wxPoint& on_screen) {
   Move(on_screen);
-  Simulator().MouseDblClick();
+  wxUIActionSimulator simulator;
+  simulator.MouseDblClick();
   LetEventsRun();
 }
 
 void PressKey(int key_code, int modifiers) {
-  Simulator().Char(key_code, modifiers);
+  wxUIActionSimulator simulator;
+  simulator.Char(key_code, modifiers);
   LetEventsRun();
 }
 
 void TypeText(const std::string& ascii) {
-  Simulator().Text(ascii.c_str());
+  wxUIActionSimulator simulator;
+  simulator.Text(ascii.c_str());
   LetEventsRun();
 }
 
