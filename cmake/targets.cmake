@@ -1,3 +1,10 @@
+# The back-end of a platform interface is a source file of its own, chosen by this ending.
+if(WIN32)
+  set(TXS_BACK_END win32)
+else()
+  set(TXS_BACK_END host)
+endif()
+
 # Interface targets that every library and program of the house links, and the two functions that
 # make a library of a folder and a test program of its tests.
 
@@ -12,6 +19,11 @@ target_compile_options(
             -Wnon-virtual-dtor
             -Woverloaded-virtual
             -Wold-style-cast)
+if(WIN32)
+  # Windows 7 and later; names that headers of Windows define as macros stay few.
+  target_compile_definitions(
+    txs_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN STRICT _WIN32_WINNT=0x0601)
+endif()
 if(TXS_WARNINGS_AS_ERRORS)
   target_compile_options(txs_options INTERFACE -Werror)
 endif()

@@ -15,9 +15,13 @@ test_packages='libgtest-dev libgmock-dev clang-format git python3 pkgconf libzip
 
 # The windows on a display of their own, as the tests and the screenshots need it.
 display_packages='xvfb openbox xdotool x11-utils imagemagick fonts-dejavu-core adwaita-icon-theme librsvg2-common'
+# The programs for Windows: compilers, what their libraries are built from and with, and what the tests
+# run under.
+windows_packages='g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix libz-mingw-w64-dev googletest
+  dpkg-dev make wine wine64'
 
 usage() {
-  echo "usage: $0 build|ui|test|display ..." >&2
+  echo "usage: $0 build|ui|test|display|windows ..." >&2
   exit 2
 }
 
@@ -28,6 +32,7 @@ for group in "$@"; do
     build) wanted="$wanted $build_packages" ;;
     ui) wanted="$wanted $ui_packages" ;;
     display) wanted="$wanted $display_packages" ;;
+    windows) wanted="$wanted $windows_packages" ;;
     test) wanted="$wanted $test_packages" ;;
     *) usage ;;
   esac
