@@ -2,14 +2,15 @@
 // whole buffers, and because one read and one write per file is what thousands of small files need.
 // The archive is put together in one buffer: header, data, directory.
 //
-// Longer files are streamed through zlib. Their local header is written first, without CRC and
-// sizes, and patched at the end, so that no data descriptor is needed. When deflate turns out not
-// to shrink, the archive is begun anew with the file stored.
+// Longer files are compressed piece by piece and the pieces joined into one stream
+// (deflate_blocks.h), which takes two thirds of the time that zlib needs for streaming. Their local
+// header is written first, without CRC and sizes, and patched at the end, so that no data
+// descriptor is needed. When deflate turns out not to shrink, the archive is begun anew with the
+// file stored.
 
 #include "environment/archiver_builtin.h"
 
 #include <libdeflate.h>
-#include <zlib.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -22,6 +23,7 @@
 #include <vector>
 
 #include "environment/code_page.h"
+#include "environment/deflate_blocks.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
 
@@ -295,40 +297,6 @@ class Target {
   std::unique_ptr<OutputFile> file_;
 };
 
-// zlib's raw deflate, released whatever happens.
-class DeflateStream {
- public:
-  DeflateStream() {
-    constexpr int kRawDeflateWindow = -15;
-    constexpr int kMemoryLevel = 9;
-    if (deflateInit2(&stream_, kLevel, Z_DEFLATED, kRawDeflateWindow, kMemoryLevel,
-                     Z_DEFAULT_STRATEGY) != Z_OK) {
-      throw Failure{ArchiveResult::kOutOfMemory};
-    }
-  }
-  DeflateStream(const DeflateStream&) = delete;
-  DeflateStream& operator=(const DeflateStream&) = delete;
-  ~DeflateStream() { deflateEnd(&stream_); }
-
-  void SetInput(std::span<std::byte> bytes) {
-    stream_.next_in = reinterpret_cast<Bytef*>(bytes.data());
-    stream_.avail_in = static_cast<uInt>(bytes.size());
-  }
-
-  // Number of bytes put into `out`; fewer than it holds once the input (or, with Z_FINISH, the
-  // stream) has come to its end.
-  std::size_t Deflate(std::span<std::byte> out, int flush) {
-    stream_.next_out = reinterpret_cast<Bytef*>(out.data());
-    stream_.avail_out = static_cast<uInt>(out.size());
-    const int result = deflate(&stream_, flush);
-    if (result == Z_STREAM_ERROR) throw Failure{ArchiveResult::kUnexpected};
-    return out.size() - stream_.avail_out;
-  }
-
- private:
-  z_stream stream_ = {};
-};
-
 struct CompressorDeleter {
   void operator()(libdeflate_compressor* compressor) const {
     libdeflate_free_compressor(compressor);
@@ -454,22 +422,22 @@ class BuiltInArchiver : public Archiver {
 
   // False when the data did not shrink; the archive is then unusable.
   bool DeflateAll(Source& source, Target& target, Entry& entry) {
-    DeflateStream stream;
-    const std::span<std::byte> output(output_.Get(kStreamBytes), kStreamBytes);
     entry.crc = 0;
     entry.packed_bytes = 0;
     std::uint64_t remaining = entry.bytes;
     while (remaining > 0) {
-      const std::span<std::byte> input = NextInput(source, entry, remaining);
-      stream.SetInput(input);
-      const int flush = remaining == 0 ? Z_FINISH : Z_NO_FLUSH;
-      std::size_t produced = 0;
-      do {
-        produced = stream.Deflate(output, flush);
-        entry.packed_bytes += produced;
-        if (entry.packed_bytes >= entry.bytes) return false;
-        if (produced > 0) target.Write(output.first(produced));
-      } while (produced == output.size());
+      const std::span<std::byte> input = NextInput(source, entry, limits_.piece_bytes, remaining);
+      const std::size_t room =
+          libdeflate_deflate_compress_bound(Compressor(), input.size()) + kContinuationBytes;
+      const std::span<std::byte> output(output_.Get(room), room);
+      const std::size_t packed = libdeflate_deflate_compress(
+          Compressor(), input.data(), input.size(), output.data(), room - kContinuationBytes);
+      const std::optional<std::size_t> produced =
+          remaining == 0 ? packed : MakeContinuable(output, packed);
+      if (packed == 0 || !produced) throw Failure{ArchiveResult::kUnexpected};
+      entry.packed_bytes += *produced;
+      if (entry.packed_bytes >= entry.bytes) return false;
+      target.Write(output.first(*produced));
     }
     return true;
   }
@@ -478,12 +446,13 @@ class BuiltInArchiver : public Archiver {
     entry.crc = 0;
     entry.packed_bytes = entry.bytes;
     std::uint64_t remaining = entry.bytes;
-    while (remaining > 0) target.Write(NextInput(source, entry, remaining));
+    while (remaining > 0) target.Write(NextInput(source, entry, kStreamBytes, remaining));
   }
 
   // The next piece of the source, counted in the CRC and off `remaining`.
-  std::span<std::byte> NextInput(Source& source, Entry& entry, std::uint64_t& remaining) {
-    const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(remaining, kStreamBytes));
+  std::span<std::byte> NextInput(Source& source, Entry& entry, std::uint64_t most,
+                                 std::uint64_t& remaining) {
+    const auto size = static_cast<std::size_t>(std::min(remaining, most));
     const std::span<std::byte> input(input_.Get(size), size);
     source.Read(input);
     entry.crc = libdeflate_crc32(entry.crc, input.data(), input.size());

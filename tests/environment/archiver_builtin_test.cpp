@@ -247,9 +247,9 @@ TEST_F(ArchiverTest, SameInputGivesSameBytes) {
 
   const std::string first = ArchiveOf(bytes);
   const std::string second = ArchiveOf(bytes);
-  const ArchiverLimits streaming = {.whole_file_bytes = 1000};
-  const std::string third = ArchiveOf(bytes, streaming);
-  const std::string fourth = ArchiveOf(bytes, streaming);
+  const ArchiverLimits in_pieces = {.whole_file_bytes = 1000, .piece_bytes = 7'000};
+  const std::string third = ArchiveOf(bytes, in_pieces);
+  const std::string fourth = ArchiveOf(bytes, in_pieces);
 
   EXPECT_EQ(first, second);
   EXPECT_EQ(third, fourth);
@@ -298,9 +298,30 @@ TEST_F(ArchiverTest, AFileThatShrinksIsDeflated) {
   }
 }
 
+TEST_F(ArchiverTest, AFileInPiecesIsHardlyLongerThanTheWhole) {
+  const std::string bytes = Repeating(2'000'000);
+
+  const std::string whole = ArchiveOf(bytes);
+  const std::string pieces = ArchiveOf(bytes, {.whole_file_bytes = 10, .piece_bytes = 500'000});
+
+  EXPECT_LT(pieces.size(), whole.size() + whole.size() / 10);
+  EXPECT_EQ(Unpack(pieces).bytes, bytes);
+}
+
+TEST_F(ArchiverTest, APieceThatDoesNotShrinkDoesNotKeepTheOthersFromShrinking) {
+  const std::string bytes = Repeating(100'000) + Noise(100'000, 10) + Repeating(100'000);
+
+  const std::string zip = ArchiveOf(bytes, {.whole_file_bytes = 10, .piece_bytes = 50'000});
+
+  EXPECT_EQ(Method(zip), kDeflated);
+  EXPECT_LT(zip.size(), 150'000u);
+  EXPECT_EQ(Unpack(zip).bytes, bytes);
+}
+
 TEST_F(ArchiverTest, FilesAroundEveryLimitComeBackWhole) {
-  const ArchiverLimits limits = {.whole_file_bytes = 4096, .zip64_bytes = 600'000};
-  // Around the whole-file limit, the stream's pieces of 256 KiB and the ZIP64 limit.
+  const ArchiverLimits limits = {
+      .whole_file_bytes = 4096, .piece_bytes = 262'144, .zip64_bytes = 600'000};
+  // Around the whole-file limit, pieces of 256 KiB and the ZIP64 limit.
   for (const std::size_t around : {std::size_t{1}, std::size_t{4096}, std::size_t{262'144},
                                    std::size_t{524'288}, std::size_t{599'939}}) {
     for (std::size_t size = around - 1; size <= around + 1; ++size) {
@@ -318,6 +339,7 @@ TEST_F(ArchiverTest, FilesOfRandomSizesAndContentsComeBackWhole) {
   std::mt19937 random(4);
   for (int round = 0; round < 60; ++round) {
     const ArchiverLimits limits = {.whole_file_bytes = random() % 100'000,
+                                   .piece_bytes = 5'000 + random() % 100'000,
                                    .zip64_bytes = random() % 2 == 0 ? 0 : 0xFFFFFFFF};
     std::string bytes =
         Repeating(random() % 200'000) + Noise(random() % 200'000, static_cast<unsigned>(random()));
@@ -452,7 +474,7 @@ TEST_F(ArchiverTest, ASourceThatCannotBeOpenedHasItsOwnResult) {
   EXPECT_EQ(Compress(), ArchiveResult::kSourceUnreadable);
 }
 
-// A small file is read whole, a large one streamed: each failure is tried on both ways, at the
+// A small file is read whole, a large one in pieces: each failure is tried on both ways, at the
 // first byte and in the middle.
 class ArchiverFailureTest : public ArchiverTest,
                             public testing::WithParamInterface<std::tuple<bool, std::size_t>> {
@@ -463,8 +485,8 @@ class ArchiverFailureTest : public ArchiverTest,
   }
 
   ArchiveResult Result() {
-    const ArchiverLimits limits = {.whole_file_bytes =
-                                       std::get<0>(GetParam()) ? 1000u : 2'000'000u};
+    const ArchiverLimits limits = {.whole_file_bytes = std::get<0>(GetParam()) ? 1000u : 2'000'000u,
+                                   .piece_bytes = 100'000};
     const ArchiveResult result = Compress(limits);
     EXPECT_FALSE(files_.FileExists(kArchive));
     EXPECT_TRUE(files_.FileExists(kSource));
@@ -524,7 +546,8 @@ TEST(ArchiverFailures, WhicheverOperationFailsNoArchiveIsLeftBehind) {
         files.AddFile(kArchive, "an older archive");
         files.FailOperation(failing, ErrorNumber::kDeviceIo);
 
-        result = MakeBuiltInArchiver(files, clock, {.whole_file_bytes = whole_file_bytes})
+        result = MakeBuiltInArchiver(files, clock,
+                                     {.whole_file_bytes = whole_file_bytes, .piece_bytes = 100'000})
                      ->Compress(kArchive, kSource);
 
         if (result == ArchiveResult::kSuccess) {
