@@ -34,6 +34,8 @@ home=$base/$target
 compiler=$target-g++-posix
 compiler_version=$("$compiler" -dumpfullversion)
 optimise='-O2 -ffunction-sections -fdata-sections'
+# The toolkit is most of a program's size and little of its time.
+small='-Os -ffunction-sections -fdata-sections'
 
 # Two builds at once, of the same or of both targets, take turns.
 exec 9> "$base/lock"
@@ -106,7 +108,7 @@ provide() {
     # Not as a condition, in which the shell would carry on after a step that failed.
     "build_$library" "$2" "$scratch/source" "$scratch/prefix" "$stored" > "$scratch/build.log" 2>&1 &
     if ! wait $!; then
-      tail -n 40 "$scratch/build.log" >&2
+      { grep -E '(error|Error|ERROR)' "$scratch/build.log" || tail -n 40 "$scratch/build.log"; } >&2
       echo "$0: building $library failed" >&2
       exit 1
     fi
@@ -144,21 +146,30 @@ build_googletest() {
 # The parts of wxWidgets that the windows use; nothing that would need a further library. The picture
 # formats and the printing that are left out here are also what makes up most of its size.
 wx_options='--with-msw --disable-shared --enable-unicode --disable-tests --disable-sys-libs
-  --enable-ole --enable-accessibility --enable-uiactionsim
+  --enable-pch
+  --enable-ole --enable-accessibility --enable-uiactionsim --with-nanosvg
   --without-libpng --without-libjpeg --without-libtiff --without-libxpm --without-liblzma
   --without-zlib --without-expat --without-regex --without-opengl --without-libcurl
-  --without-winhttp --disable-webrequest --disable-sockets --disable-ipc --disable-html
+  --without-winhttp --disable-webrequest --disable-sockets --disable-ipc --disable-protocol
+  --disable-protocols --disable-fileproto --disable-url --disable-ftp --disable-http --disable-html
   --disable-htmlhelp --disable-mshtmlhelp --disable-help --disable-xrc --disable-aui
   --disable-propgrid --disable-ribbon --disable-stc --disable-richtext --disable-webview
   --disable-mediactrl --disable-debugreport --disable-fs_archive --disable-fs_inet --disable-fs_zip
   --disable-arcstream --disable-zipstream --disable-tarstream --disable-printarch --disable-mdi
   --disable-docview --disable-joystick --disable-sound --disable-dialupman --disable-dbghelp
-  --disable-secretstore --disable-calendar --disable-splash --disable-tipdlg --disable-wizarddlg
-  --disable-grid --disable-graphics-d2d'
+  --disable-secretstore --disable-svg --disable-calendar --disable-splash --disable-tipdlg
+  --disable-wizarddlg --disable-grid --disable-graphics-d2d --disable-gif --disable-pcx
+  --disable-tga --disable-iff --disable-pnm --disable-fswatcher --disable-fsvolume
+  --disable-addremovectrl --disable-animatectrl --disable-bannerwindow --disable-collpane
+  --disable-colourpicker --disable-commandlinkbutton --disable-dirpicker
+  --disable-filepicker --disable-fontpicker --disable-hyperlink --disable-infobar
+  --disable-editablebox --disable-notifmsg --disable-prefseditor
+  --disable-rearrangectrl --disable-toolbook --disable-treebook --disable-listbook
+  --disable-choicebook --disable-aboutdlg --disable-finddlg --disable-treelist'
 build_wxwidgets() {
   fetch wxwidgets3.2 "$1" "$2"
   # The paths of the sources are in the texts of assertions; they would name this machine.
-  flags="$optimise -ffile-prefix-map=$2=wxwidgets"
+  flags="$small -ffile-prefix-map=$2=wxwidgets"
   # shellcheck disable=SC2086 # one word per option
   (
     cd "$2"
@@ -177,5 +188,5 @@ provide headers "$(source_version nlohmann-json3-dev)+$(source_version libcli11-
 provide libdeflate "$(source_version libdeflate-dev)" "$optimise"
 provide googletest "$(source_version googletest)" Release
 if [ "$with_wx" -eq 1 ]; then
-  provide wxwidgets "$(source_version libwxgtk3.2-dev)" "$optimise $wx_options"
+  provide wxwidgets "$(source_version libwxgtk3.2-dev)" "$small $wx_options"
 fi

@@ -46,6 +46,21 @@ function(txs_add_library folder)
   target_link_libraries(${target} PUBLIC ${ARG_DEPENDS} PRIVATE txs_options)
 endfunction()
 
+# txs_add_windows_resources(<program> <description>) gives a program its icon, its version and its
+# manifest. Does nothing on other systems, which keep all this elsewhere.
+function(txs_add_windows_resources program description)
+  if(NOT WIN32)
+    return()
+  endif()
+  set(TXS_PROGRAM ${program})
+  set(TXS_DESCRIPTION ${description})
+  set(resources ${CMAKE_CURRENT_BINARY_DIR}/${program}.rc)
+  configure_file(${PROJECT_SOURCE_DIR}/resources/windows/program.rc.in ${resources} @ONLY)
+  set_property(SOURCE ${resources} APPEND PROPERTY OBJECT_DEPENDS
+               "${PROJECT_SOURCE_DIR}/resources/windows/program.manifest;${PROJECT_SOURCE_DIR}/resources/windows/tx_setup_wizard.ico")
+  target_sources(${program} PRIVATE ${resources})
+endfunction()
+
 # txs_add_test(<name> SOURCES ... DEPENDS ... [LABELS ...]) makes one GoogleTest program and registers
 # it with CTest as a single test: starting a process per case would cost more than the cases.
 function(txs_add_test name)

@@ -19,9 +19,11 @@ display_packages='xvfb openbox xdotool x11-utils imagemagick fonts-dejavu-core a
 # run under.
 windows_packages='g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix libz-mingw-w64-dev googletest
   dpkg-dev make wine wine64'
+# Making the packages that a user installs.
+package_packages='dpkg-dev file unzip'
 
 usage() {
-  echo "usage: $0 build|ui|test|display|windows ..." >&2
+  echo "usage: $0 build|ui|test|display|package|windows ..." >&2
   exit 2
 }
 
@@ -32,6 +34,7 @@ for group in "$@"; do
     build) wanted="$wanted $build_packages" ;;
     ui) wanted="$wanted $ui_packages" ;;
     display) wanted="$wanted $display_packages" ;;
+    package) wanted="$wanted $package_packages" ;;
     windows) wanted="$wanted $windows_packages" ;;
     test) wanted="$wanted $test_packages" ;;
     *) usage ;;

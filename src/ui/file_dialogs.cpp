@@ -1,16 +1,17 @@
 #include "ui/file_dialogs.h"
 
 #include <wx/dirdlg.h>
-#include <wx/filedlg.h>
 
 #include "document/path_variables.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
+#include "ui/open_files.h"
 #include "ui/wx_text.h"
 
 namespace txs {
 namespace {
 
+constexpr long kTooManyFiles = 1701;
 constexpr long kOutsideOfDrives = 1925;
 constexpr long kChooseSetupDirectory = 1926;
 // A box that names more would not fit on the screen.
@@ -55,23 +56,10 @@ std::vector<std::string> WindowsPaths(Application& application,
 
 std::vector<std::string> AskForFiles(wxWindow* parent, Application& application,
                                      const FileQuestion& question) {
-  const long style = wxFD_OPEN | wxFD_FILE_MUST_EXIST | (question.several ? wxFD_MULTIPLE : 0);
-  wxFileDialog dialog(parent, ToWx(question.title),
-                      ToWx(HostFolder(application, question.directory)), wxString(),
-                      ToWx(HostFilter(question.filter)), style);
-  if (dialog.ShowModal() != wxID_OK) return {};
-  wxArrayString chosen;
-  if (question.several) {
-    dialog.GetPaths(chosen);
-  } else {
-    chosen.Add(dialog.GetPath());
-  }
-  std::vector<std::string> host_paths;
-  for (const wxString& path : chosen) {
-    // Something that is no file of this computer has no path.
-    if (!path.empty()) host_paths.push_back(FromWx(path));
-  }
-  return WindowsPaths(application, host_paths);
+  const OpenFilesAnswer answer =
+      OpenFiles(parent, question, HostFolder(application, question.directory));
+  if (answer.too_many) ShowWarning(application, kTooManyFiles, {});
+  return WindowsPaths(application, answer.host_paths);
 }
 
 std::optional<std::string> AskForSetupDirectory(wxWindow* parent, Application& application,

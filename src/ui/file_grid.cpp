@@ -132,8 +132,7 @@ FileGrid::FileGrid(wxWindow* parent, FileList& files, Events events)
 
 FileGrid::~FileGrid() {
   // The control outlives what its model reads from.
-  const SelectionEventsSuppressor silence(this);
-  AssociateModel(nullptr);
+  WithoutSelectionEvents(*this, [this] { AssociateModel(nullptr); });
 }
 
 void FileGrid::AddColumns() {
@@ -159,7 +158,7 @@ void FileGrid::BindEvents() {
        [this](wxDataViewEvent&) { CallAfter(&FileGrid::EditCurrentCell); });
   Bind(wxEVT_DATAVIEW_ITEM_EDITING_STARTED, [this](wxDataViewEvent&) { editing_ = true; });
   Bind(wxEVT_DATAVIEW_ITEM_EDITING_DONE, [this](wxDataViewEvent&) { editing_ = false; });
-  Bind(wxEVT_KEY_DOWN, &FileGrid::OnKey, this);
+  KeyWindow(*this).Bind(wxEVT_KEY_DOWN, &FileGrid::OnKey, this);
   Bind(wxEVT_SYS_COLOUR_CHANGED, [this](wxSysColourChangedEvent& event) {
     UpdateMarkStyle();
     event.Skip();
@@ -297,8 +296,7 @@ void FileGrid::RefreshRows() {
 
 void FileGrid::RemoveRows(const std::vector<std::size_t>& removed) {
   const int selected_before = GetSelectedItemsCount();
-  {
-    const SelectionEventsSuppressor silence(this);
+  WithoutSelectionEvents(*this, [&] {
     // Before anything goes: the control would select the row behind a deleted current one, and
     // nothing else.
     MakeSurvivorCurrent(removed);
@@ -307,7 +305,7 @@ void FileGrid::RemoveRows(const std::vector<std::size_t>& removed) {
     }
     const wxDataViewItem current = GetCurrentItem();
     if (current.IsOk()) ScrollToRow(*this, rows_->GetRow(current));
-  }
+  });
   if (GetSelectedItemsCount() != selected_before) AnnounceSelection();
 }
 
@@ -325,11 +323,10 @@ void FileGrid::MakeSurvivorCurrent(const std::vector<std::size_t>& removed) {
 
 void FileGrid::ResetRows() {
   const bool had_selection = GetSelectedItemsCount() > 0;
-  {
-    const SelectionEventsSuppressor silence(this);
+  WithoutSelectionEvents(*this, [this] {
     rows_->Reset(static_cast<unsigned int>(files_.RowCount()));
     UnselectAll();
-  }
+  });
   editing_ = false;
   RememberRows();
   if (had_selection) AnnounceSelection();
@@ -352,10 +349,7 @@ void FileGrid::SelectRows(const std::vector<std::size_t>& rows) {
     if (row < 1 || row > rows_->GetCount()) continue;
     items.push_back(rows_->GetItem(static_cast<unsigned int>(row - 1)));
   }
-  {
-    const SelectionEventsSuppressor silence(this);
-    SetSelections(items);
-  }
+  WithoutSelectionEvents(*this, [&] { SetSelections(items); });
   AnnounceSelection();
 }
 

@@ -130,4 +130,11 @@ int GivenWidth(const wxDataViewColumn& column) {
   return gtk_tree_view_column_get_fixed_width(native);
 }
 
+wxWindow& KeyWindow(wxDataViewCtrl& list) { return list; }
+
+void WithoutSelectionEvents(wxDataViewCtrl& list, const std::function<void()>& change) {
+  const wxDataViewCtrl::SelectionEventsSuppressor silence(&list);
+  change();
+}
+
 }  // namespace txs

@@ -3,6 +3,8 @@
 
 #include <wx/dataview.h>
 
+#include <functional>
+
 namespace txs {
 
 // A cell whose text is cut off shows it whole in a tooltip, for the mouse as for the keyboard
@@ -22,5 +24,11 @@ void ScrollToRow(wxDataViewCtrl& list, unsigned int row);
 
 // The width that a column was given. The last column may be shown wider, up to the list's edge.
 [[nodiscard]] int GivenWidth(const wxDataViewColumn& column);
+
+// The window that the keys go to while the list has the focus.
+[[nodiscard]] wxWindow& KeyWindow(wxDataViewCtrl& list);
+
+// Calls `change`, during which the list announces no change of its selection.
+void WithoutSelectionEvents(wxDataViewCtrl& list, const std::function<void()>& change);
 
 }  // namespace txs

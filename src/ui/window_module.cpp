@@ -3,7 +3,7 @@
 
 #include <exception>
 
-#include "ui/help.h"
+#include "ui/help_viewer.h"
 #include "ui/window_app.h"
 #include "ui/windows.h"
 #include "ui/wx_message_boxes.h"

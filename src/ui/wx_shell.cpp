@@ -1,12 +1,10 @@
 #include "ui/wx_shell.h"
 
 #include <wx/evtloop.h>
-#include <wx/utils.h>
 
-#include "environment/runtime_error.h"
+#include "ui/help_viewer.h"
 #include "ui/project_open_form.h"
 #include "ui/setup_wizard_form.h"
-#include "ui/wx_text.h"
 
 namespace txs {
 
@@ -27,14 +25,6 @@ void WxShell::RunMainForm(Application& application) {
   });
   form->Show();
   loop.Run();
-}
-
-bool DesktopHelpViewer::Open(const std::string& help_file, int /*topic*/) {
-  try {
-    return wxLaunchDefaultApplication(ToWx(paths_.HostPath(help_file)));
-  } catch (const RuntimeError&) {
-    return false;
-  }
 }
 
 }  // namespace txs

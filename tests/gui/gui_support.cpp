@@ -5,15 +5,15 @@
 #include <wx/dcmemory.h>
 #include <wx/dcscreen.h>
 #include <wx/evtloop.h>
-#include <wx/image.h>
 #include <wx/stattext.h>
 #include <wx/uiaction.h>
 #include <wx/utils.h>
 
 #include <chrono>
 #include <cstdlib>
-#include <filesystem>
 #include <stdexcept>
+
+#include "gui/picture_file.h"
 
 namespace txs {
 namespace {
@@ -185,9 +185,8 @@ void TakePicture(wxTopLevelWindow& form, const std::string& name) {
   ForgetPictureOfScreen(screen.GetImpl()->GetCairoContext());
   memory.Blit(wxPoint(0, 0), at.GetSize(), &screen, at.GetPosition());
   memory.SelectObject(wxNullBitmap);
-  if (!wxImage::FindHandler(wxBITMAP_TYPE_PNG)) wxImage::AddHandler(new wxPNGHandler);
-  const std::filesystem::path path = std::filesystem::path(folder) / (name + ".png");
-  EXPECT_TRUE(picture.SaveFile(wxString(path.string()), wxBITMAP_TYPE_PNG)) << path;
+  const std::string path = std::string(folder) + '/' + name;
+  EXPECT_TRUE(SavePicture(picture, path)) << path;
 }
 
 }  // namespace txs

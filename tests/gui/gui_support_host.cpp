@@ -1,5 +1,6 @@
 // What only the toolkit itself can tell a test.
 #include <gtk/gtk.h>
+#include <wx/image.h>
 
 #include <algorithm>
 #include <array>
@@ -7,6 +8,7 @@
 #include <cstring>
 
 #include "gui/gui_support.h"
+#include "gui/picture_file.h"
 
 namespace txs {
 namespace {
@@ -79,6 +81,11 @@ std::string NameOfFocus(wxTopLevelWindow& form) {
 
 void ForgetPictureOfScreen(void* cairo_context) {
   cairo_surface_mark_dirty(cairo_get_target(static_cast<cairo_t*>(cairo_context)));
+}
+
+bool SavePicture(const wxBitmap& picture, const std::string& path) {
+  if (!wxImage::FindHandler(wxBITMAP_TYPE_PNG)) wxImage::AddHandler(new wxPNGHandler);
+  return picture.SaveFile(wxString::FromUTF8(path + ".png"), wxBITMAP_TYPE_PNG);
 }
 
 }  // namespace txs

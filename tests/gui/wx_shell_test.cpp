@@ -64,12 +64,5 @@ TEST_F(Shell, RunsTheMainFormASecondTime) {
   }
 }
 
-TEST_F(Shell, AHelpFileOnNoDriveOpensNoViewer) {
-  world.platform.host_paths.drive_c = "/nowhere";
-  DesktopHelpViewer viewer(world.platform.host_paths);
-
-  EXPECT_FALSE(viewer.Open("Q:\\Projektmanagement.chm", kHelpContents));
-}
-
 }  // namespace
 }  // namespace txs
