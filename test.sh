@@ -3,8 +3,10 @@
 #
 # Installs what is missing, builds with warnings as errors, and runs every check and every test.
 #   ./test.sh             preset ci: everything, with the windows
-#   ./test.sh sanitize    the tests under the address and undefined-behaviour sanitizers
+#   ./test.sh sanitize    the tests under the address and undefined-behaviour sanitizers, and how
+#                         much of src/ without the windows they run
 #   ./test.sh core        without wxWidgets
+#   ./test.sh analysis    clang-tidy and cppcheck over the sources; builds nothing
 set -eu
 cd "$(dirname "$0")"
 
@@ -12,12 +14,13 @@ preset=${1:-ci}
 case $preset in
   ci) groups='build ui test display package' ;;
   core | sanitize) groups='build test' ;;
+  analysis) groups='build ui test analysis' ;;
   -h | --help)
     sed -n '2,/^set/{/^set/d;s/^# \{0,1\}//;p}' "$0"
     exit 0
     ;;
   *)
-    echo "$0: '$preset' is not ci, core or sanitize" >&2
+    echo "$0: '$preset' is not ci, core, sanitize or analysis" >&2
     exit 2
     ;;
 esac
@@ -25,14 +28,22 @@ esac
 # shellcheck disable=SC2086 # one word per group
 tools/install_packages.sh $groups
 
-build=build/$preset
+# Analysis asks preset ci only for the compiler's options.
+configured=$preset
+if [ "$preset" = analysis ]; then configured=ci; fi
+coverage=OFF
+if [ "$preset" = sanitize ]; then coverage=ON; fi
+build=build/$configured
 mkdir -p build
-echo "== Building (preset $preset)"
-cmake --preset "$preset" -D TXS_WARNINGS_AS_ERRORS=ON > "$build.configure.log" 2>&1 || {
+echo "== Building (preset $configured)"
+cmake --preset "$configured" -D TXS_WARNINGS_AS_ERRORS=ON -D TXS_COVERAGE=$coverage \
+  > "$build.configure.log" 2>&1 || {
   cat "$build.configure.log" >&2
   exit 1
 }
-cmake --build --preset "$preset" --target all all_verify_interface_header_sets
+if [ "$preset" != analysis ]; then
+  cmake --build --preset "$preset" --target all all_verify_interface_header_sets
+fi
 
 checks=
 run_check() {
@@ -53,6 +64,16 @@ format_check() {
     xargs -0 -r clang-format --dry-run -Werror
 }
 
+if [ "$preset" = analysis ]; then
+  run_check cppcheck tools/cppcheck.sh "$build/cppcheck"
+  reports=build/analysis/test-reports
+  mkdir -p "$reports"
+  # shellcheck disable=SC2086 # one word per check
+  python3 tools/count_tests.py - "$reports" $checks > "$reports/summary" && result=0 || result=1
+  cat "$reports/summary"
+  exit "$result"
+fi
+
 # The sources are the same for every preset; the everyday one looks at them.
 if [ "$preset" = ci ]; then
   run_check arrows tools/check_arrows.sh
@@ -66,9 +87,15 @@ echo "== Tests"
 reports=$PWD/$build/test-reports
 rm -rf "$reports"
 mkdir -p "$reports"
+# Counts of an earlier run would be added to.
+find "$build" -name '*.gcda' -delete
 tests_ok=1
 GTEST_OUTPUT=xml:$reports/ UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --preset "$preset" -j 2 --output-junit "$reports/ctest.junit" || tests_ok=0
+
+if [ "$coverage" = ON ]; then
+  run_check coverage tools/coverage.py "$build" "$build/test-reports/not-run.txt" --at-least 95
+fi
 
 # shellcheck disable=SC2086 # one word per check
 if python3 tools/count_tests.py "$reports/ctest.junit" "$reports" $checks > "$reports/summary"; then

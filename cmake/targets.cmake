@@ -32,6 +32,10 @@ if(TXS_SANITIZE)
                                                -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(txs_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(TXS_COVERAGE)
+  target_compile_options(txs_options INTERFACE --coverage)
+  target_link_options(txs_options INTERFACE --coverage)
+endif()
 
 # txs_add_library(<folder> SOURCES ... DEPENDS ...) makes the static library txs_<folder>. Its
 # headers are included as "<folder>/<subject>.h", and each is compiled alone once (target

@@ -3,6 +3,7 @@
 
 Adds up what a test run did and prints it: every case of every GoogleTest program, every other test
 of CTest, and the checks named on the command line. Ends with the line 'N passed, N failed'.
+JUNIT "-" says that no tests were to run, only checks.
 
 A GoogleTest program counts by its own report (GTEST_DIR/<program>.xml). It counts one failure more
 when CTest saw it fail although its report shows none: it crashed, or a sanitizer stopped it at the
@@ -68,7 +69,7 @@ def main():
         for test in ElementTree.parse(junit).getroot().iter("testcase"):
             counts, is_gtest = count_program(test, gtest_dir)
             add(test.get("name"), counts, "GoogleTest cases" if is_gtest else "test")
-    else:
+    elif sys.argv[1] != "-":
         print("  CTest wrote no report")
         total[1] += 1
     passed, failed, skipped = total

@@ -11,7 +11,7 @@ build_packages='g++ cmake ninja-build ccache zlib1g-dev libdeflate-dev nlohmann-
 # The windows.
 ui_packages='libwxgtk3.2-dev libgtk-3-dev pkgconf'
 # The tests, the checks of the sources, and the programs that tests compare results with.
-test_packages='libgtest-dev libgmock-dev clang-format git python3 pkgconf libzip-dev unzip p7zip-full'
+test_packages='libgtest-dev libgmock-dev clang-format gcovr git python3 pkgconf libzip-dev unzip p7zip-full'
 
 # The windows on a display of their own, as the tests and the screenshots need it.
 display_packages='xvfb openbox xdotool x11-utils imagemagick fonts-dejavu-core adwaita-icon-theme librsvg2-common'
@@ -21,9 +21,11 @@ windows_packages='g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix libz-mingw
   dpkg-dev make wine wine64'
 # Making the packages that a user installs.
 package_packages='dpkg-dev file unzip'
+# What looks for faults in the sources.
+analysis_packages='clang-tidy cppcheck'
 
 usage() {
-  echo "usage: $0 build|ui|test|display|package|windows ..." >&2
+  echo "usage: $0 build|ui|test|display|package|windows|analysis ..." >&2
   exit 2
 }
 
@@ -33,6 +35,7 @@ for group in "$@"; do
   case $group in
     build) wanted="$wanted $build_packages" ;;
     ui) wanted="$wanted $ui_packages" ;;
+    analysis) wanted="$wanted $analysis_packages" ;;
     display) wanted="$wanted $display_packages" ;;
     package) wanted="$wanted $package_packages" ;;
     windows) wanted="$wanted $windows_packages" ;;

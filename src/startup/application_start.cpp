@@ -41,6 +41,8 @@ std::unique_ptr<Application> StartApplication(Platform& platform, MessageService
                                                       .messages = messages,
                                                       .texts = texts,
                                                       .installation = std::move(check.settings),
+                                                      // The member is set, the variable read.
+                                                      // cppcheck-suppress accessMoved
                                                       .configurator = std::move(configurator),
                                                       .project = {},
                                                       .document = {}});

@@ -17,9 +17,12 @@ bool WindowApp::OnInit() {
 }
 
 bool WindowApp::OnExceptionInMainLoop() {
+  // The toolkit calls this in its handler of the exception.
+  // cppcheck-suppress rethrowNoCurrentException
   if (!reporter_) throw;
   std::string reason;
   try {
+    // cppcheck-suppress rethrowNoCurrentException
     throw;
   } catch (const std::exception& error) {
     reason = error.what();
