@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <functional>
+#include <memory>
 #include <unordered_set>
 
 #include "create/compression.h"
@@ -11,6 +12,7 @@
 #include "document/document_check.h"
 #include "document/medium.h"
 #include "document/path_variables.h"
+#include "document/project_lock.h"
 #include "document/settings_file.h"
 #include "document/work_border.h"
 #include "environment/code_page.h"
@@ -214,6 +216,9 @@ bool ProgramIsKnown(Application& application) {
 CreateResult Run(Application& application, CreateView& view) {
   CreateResult result;
   if (!ProgramIsKnown(application)) return result;
+  // Two runs would empty ~TEMP and the disks under each other's hands.
+  const std::unique_ptr<HeldLock> lock = LockProject(application);
+  if (lock == nullptr) return result;
   view.Begin();
   CreateState state;
   result.succeeded =
@@ -267,6 +272,8 @@ std::optional<CreatePlan> MeasureAndPlan(Application& application, CreateView& v
 
 std::optional<CreatePlan> Plan(Application& application, CreateView& view) {
   if (!ProgramIsKnown(application)) return std::nullopt;
+  const std::unique_ptr<HeldLock> lock = LockProject(application);
+  if (lock == nullptr) return std::nullopt;
   view.Begin();
   CreateState state;
   state.medium_bytes = MediumSizeBytes(application.document.steps.disk_size_index);

@@ -23,7 +23,8 @@ struct CreateResult {
 };
 
 // The Create run. Checks the document, recreates the disk directories, compresses, copies the setup
-// kit, distributes, writes the script; every failure shows its own message. Never throws. What the
+// kit, distributes, writes the script; every failure shows its own message. Refused with message
+// 1930 while another process works on a project in the same directory. Never throws. What the
 // stages made stays on disk on failure; ~TEMP is emptied at the start and removed after a success.
 [[nodiscard]] CreateResult RunCreate(Application& application, CreateView& view);
 

@@ -26,6 +26,8 @@ std::string CurrentProject::StudioProjectFile() const { return directory + "\\" 
 
 std::string CurrentProject::SettingsFile() const { return directory + "\\" + name + ".swz"; }
 
+std::string CurrentProject::LockFile() const { return directory + "\\~TXSetup.lock"; }
+
 std::string CurrentProject::TemporaryDirectory() const { return directory + "\\~TEMP"; }
 
 void LoadMainFormState(Application& application) {

@@ -24,6 +24,8 @@ struct CurrentProject {
   [[nodiscard]] std::string StudioProjectFile() const;
   // directory + "\" + name + ".swz"
   [[nodiscard]] std::string SettingsFile() const;
+  // directory + "\~TXSetup.lock": of the directory, since projects that share it share ~TEMP.
+  [[nodiscard]] std::string LockFile() const;
   // directory + "\~TEMP": where Create compresses.
   [[nodiscard]] std::string TemporaryDirectory() const;
 };

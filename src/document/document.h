@@ -8,6 +8,7 @@
 #include "document/file_list.h"
 #include "document/medium.h"
 #include "document/path_variables.h"
+#include "document/project_lock.h"
 #include "document/settings_file.h"
 #include "document/setup_document.h"
 #include "document/step_settings.h"

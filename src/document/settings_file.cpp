@@ -10,6 +10,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include "document/project_lock.h"
+#include "document/work_border.h"
 #include "environment/code_page.h"
 
 namespace txs {
@@ -29,6 +31,9 @@ constexpr int kListKeyDigits = 2;
 
 constexpr char kGermanStartmenuFolder[] = "Visualisierung";
 constexpr char kEnglishStartmenuFolder[] = "Visualization";
+
+constexpr long kMessageWriting = 911;
+constexpr long kMessageNotRead = 1931;
 
 constexpr char kTempDirName[] = "<TempDir>";
 constexpr char kUserDirPrefix[] = "<UserDir";
@@ -277,6 +282,22 @@ void ReplaceList(ProfileDocument& settings, const char* section,
 
 const char* FlagText(bool flag) { return flag ? "1" : "0"; }
 
+// A document that does not come from the file must not take its place: the user's lists would be
+// replaced by the defaults that were shown instead.
+bool IsUnreadFile(Application& application) {
+  switch (application.document.settings_source) {
+    case SettingsSource::kFile:
+      return false;
+    case SettingsSource::kNoFile:
+      return !application.platform.profiles.Open(application.project.SettingsFile())
+                  .Bytes()
+                  .empty();
+    case SettingsSource::kUnread:
+      break;
+  }
+  return true;
+}
+
 bool IsUserDirectoryName(std::string_view name) {
   const std::string_view prefix = kUserDirPrefix;
   if (name.size() <= prefix.size() + 1 || name.back() != '>') return false;
@@ -292,6 +313,7 @@ void ReadSettings(Application& application) {
   defaults.steps = DefaultSteps(application);
   Settings read = defaults;
   Take(std::move(defaults), application.document);
+  application.document.settings_source = SettingsSource::kUnread;
 
   const std::string studio_project_file = application.project.StudioProjectFile();
   if (application.configurator != nullptr) {
@@ -320,10 +342,17 @@ void ReadSettings(Application& application) {
   ReadTextSetting(settings, kDestination, "Path", steps.setup_directory);
   steps.minimal_mdac = ReadFlag(settings, kDestination, "MDAC");
   steps.service_pack = ReadFlag(settings, kDestination, "ServicePack");
+  const bool has_file = !settings.Bytes().empty();
   Take(std::move(read), application.document);
+  application.document.settings_source = has_file ? SettingsSource::kFile : SettingsSource::kNoFile;
 }
 
 void WriteSettings(Application& application) {
+  if (IsUnreadFile(application)) {
+    throw RuntimeError(
+        ErrorNumber::kAlreadyExists,
+        application.project.SettingsFile() + ": was not read when the project was opened");
+  }
   SetupDocument& document = application.document;
   StepSettings& steps = document.steps;
   const std::vector<ProfileEntry> path = PathEntries(steps);
@@ -346,7 +375,22 @@ void WriteSettings(Application& application) {
         ReplaceList(settings, kFile, files);
         settings.Set(kDestination, "MDAC", FlagText(steps.minimal_mdac));
       });
+  document.settings_source = SettingsSource::kFile;
   document.changed = false;
+}
+
+bool SaveSettings(Application& application) {
+  const std::string file = application.project.SettingsFile();
+  return AtWorkBorder(application, kMessageWriting, file, [&] {
+    const std::unique_ptr<HeldLock> lock = LockProject(application);
+    if (lock == nullptr) return false;
+    if (IsUnreadFile(application)) {
+      ShowWarning(application, kMessageNotRead, {file});
+      return false;
+    }
+    WriteSettings(application);
+    return true;
+  });
 }
 
 void ClearSettings(Application& application) {
@@ -374,6 +418,7 @@ void ClearSettings(Application& application) {
   steps.total_bytes_label.clear();
   steps.disks_needed_label.clear();
   steps.disks_needed_is_estimate = true;
+  document.settings_source = SettingsSource::kFile;
   document.changed = false;
 }
 

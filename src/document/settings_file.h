@@ -9,7 +9,7 @@ namespace txs {
 // Fills document and steps from the file of the current project; lists that the document held are
 // replaced. Absent file, section or key: the default. The path variables must be built before.
 // Throws RuntimeError when the file exists and cannot be read; the document then holds the
-// defaults.
+// defaults, and `settings_source` keeps a save from putting them in place of the file.
 void ReadSettings(Application& application);
 
 // Writes steps and document to the file and clears the changed flag. Atomic: on failure the file is
@@ -18,10 +18,16 @@ void ReadSettings(Application& application);
 // RuntimeError kInvalidCall names the row whose source or destination holds a comma, which
 // separates the fields, or whose source or registration begins or ends in blanks; also for line
 // breaks, an empty INI file name, and characters that the code page lacks. Throws RuntimeError when
-// the file cannot be read or replaced.
+// the file cannot be read or replaced, and kAlreadyExists when what is in it was never read.
 void WriteSettings(Application& application);
 
-// Sets document and steps to the defaults; writes nothing. Path variables stay.
+// The work routine around WriteSettings: false after a message. That is 1930 when another process
+// works on the project, 1931 when the settings were not read at its opening, else 911. Never
+// throws.
+[[nodiscard]] bool SaveSettings(Application& application);
+
+// Sets document and steps to the defaults; writes nothing, but the next save may replace a file
+// that was not read. Path variables stay.
 void ClearSettings(Application& application);
 
 // Brings the path variables <UserDirN> in line with the user-directory list of step 2, and

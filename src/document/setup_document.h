@@ -12,6 +12,13 @@
 
 namespace txs {
 
+// What the settings file on the disk is to the document. Decides whether a save may replace it.
+enum class SettingsSource {
+  kFile,    // it was read, or the user has cleared what was in it
+  kNoFile,  // there was none, so that what is there by now was never read
+  kUnread,  // it could not be read: the document holds the defaults instead
+};
+
 struct SetupDocument {
   StepSettings steps;
   FileList files;
@@ -27,7 +34,8 @@ struct SetupDocument {
   std::string program_name;
   PathVariableList path_variables;
   std::string configurator_value;  // what ProjectConfigurator answered for the project
-  bool changed = false;            // since the settings were read, saved or cleared
+  SettingsSource settings_source = SettingsSource::kFile;
+  bool changed = false;  // since the settings were read, saved or cleared
 
   // The rows that Create works on: the visible ones, then the hidden ones. Valid until a list
   // changes.

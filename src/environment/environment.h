@@ -7,6 +7,7 @@
 #include "environment/archiver.h"
 #include "environment/clock.h"
 #include "environment/code_page.h"
+#include "environment/file_locks.h"
 #include "environment/file_system.h"
 #include "environment/installation.h"
 #include "environment/message_boxes.h"

@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -146,6 +147,46 @@ std::string Below(const std::string& folder, std::string_view name) {
   if (path.empty() || path.back() != '/') path += '/';
   path += name;
   return path;
+}
+
+constexpr std::string_view kTemporaryPrefix = ".txs-";
+constexpr std::string_view kTemporaryPattern = ".txs-XXXXXX";
+
+// Whoever writes a temporary file holds its lock. One that nobody holds was left by a process that
+// was killed; without this, each of them would leave one more.
+void RemoveAbandonedTemporaries(const std::string& folder) {
+  const std::unique_ptr<DIR, int (*)(DIR*)> opened(opendir(folder.c_str()), &closedir);
+  if (opened == nullptr) return;
+  while (const dirent* const entry = readdir(opened.get())) {
+    const std::string_view name = entry->d_name;
+    if (name.size() != kTemporaryPattern.size() || !name.starts_with(kTemporaryPrefix)) continue;
+    const std::string path = Below(folder, name);
+    const Descriptor file(OpenRetrying(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK));
+    struct stat status;
+    if (!file.IsOpen() || fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) continue;
+    if (flock(file.Get(), LOCK_EX | LOCK_NB) == 0) unlink(path.c_str());
+  }
+}
+
+struct TemporaryBeside {
+  Descriptor file;  // not open: errno tells why
+  Descriptor lock;  // of the same file, which may be closed earlier
+  std::string path;
+};
+
+// A new, empty file in `folder`, locked where the file system has locks.
+TemporaryBeside MakeTemporary(const std::string& folder) {
+  for (;;) {
+    TemporaryBeside made;
+    made.path = Below(folder, kTemporaryPattern);
+    made.file = Descriptor(mkostemp(made.path.data(), O_CLOEXEC));
+    if (!made.file.IsOpen()) return made;
+    static_cast<void>(flock(made.file.Get(), LOCK_EX | LOCK_NB));
+    made.lock = Descriptor(fcntl(made.file.Get(), F_DUPFD_CLOEXEC, 0));
+    // Another process may have taken it for an abandoned one before it was locked.
+    struct stat status;
+    if (fstat(made.file.Get(), &status) != 0 || status.st_nlink > 0) return made;
+  }
 }
 
 // The components of a host path, the first of which is absolute, as one path.
@@ -672,13 +713,13 @@ void HostFileSystem::ReplaceWhole(std::string_view path, std::string_view bytes)
   // A link stays a link: what it points to is replaced or made.
   const std::string target = EndOfLinks(LocateTarget(path, Use::kRenameOver));
   if (target.empty()) ThrowErrno(ELOOP, path);
-  std::string temporary_path = Below(ParentOf(target), ".txs-XXXXXX");
-  Descriptor file(mkostemp(temporary_path.data(), O_CLOEXEC));
+  RemoveAbandonedTemporaries(ParentOf(target));
+  TemporaryBeside temporary = MakeTemporary(ParentOf(target));
   // Only a link can lead to a folder that is missing: the path's own one was just there.
-  if (!file.IsOpen() && errno == ENOENT)
+  if (!temporary.file.IsOpen() && errno == ENOENT)
     ThrowAbout(ErrorNumber::kPathNotFound, path, "Folder not found");
-  if (!file.IsOpen()) ThrowErrno(errno, path);
-  ReplaceByTemporary(std::move(file), temporary_path, target, bytes, path);
+  if (!temporary.file.IsOpen()) ThrowErrno(errno, path);
+  ReplaceByTemporary(std::move(temporary.file), temporary.path, target, bytes, path);
   indexes_->Added(target);
 }
 

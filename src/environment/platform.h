@@ -7,6 +7,7 @@
 
 #include "environment/archiver.h"
 #include "environment/clock.h"
+#include "environment/file_locks.h"
 #include "environment/file_system.h"
 #include "environment/host_paths.h"
 #include "environment/message_boxes.h"
@@ -21,6 +22,7 @@ namespace txs {
 struct Platform {
   Registry& registry;
   FileSystem& files;
+  FileLocks& locks;
   const HostPaths& host_paths;
   ProfileFiles& profiles;
   const SpecialFolders& folders;

@@ -10,6 +10,7 @@
 
 #include "environment/archiver_builtin.h"
 #include "environment/clock_host.h"
+#include "environment/file_locks_host.h"
 #include "environment/file_system_host.h"
 #include "environment/platform.h"
 #include "environment/registry_host.h"
@@ -45,22 +46,30 @@ class HostPlatform : public OwnedPlatform {
  public:
   HostPlatform(const std::filesystem::path& root, MessageBoxes& message_boxes)
       : files_(root.string()),
+        locks_(files_),
         registry_((root / "registry.reg").string()),
         clock_(registry_),
         folders_(registry_),
         profiles_(files_),
         tools_(registry_, files_, profiles_, folders_),
         archiver_(MakeBuiltInArchiver(files_, clock_)),
-        platform_{registry_,     files_,
-                  files_,        profiles_,
-                  folders_,      tools_,
-                  *archiver_,    clock_,
-                  message_boxes, [this] { return MakeBuiltInConfigurator(tools_); }} {}
+        platform_{registry_,
+                  files_,
+                  locks_,
+                  files_,
+                  profiles_,
+                  folders_,
+                  tools_,
+                  *archiver_,
+                  clock_,
+                  message_boxes,
+                  [this] { return MakeBuiltInConfigurator(tools_); }} {}
 
   [[nodiscard]] Platform& Get() override { return platform_; }
 
  private:
   HostFileSystem files_;
+  HostFileLocks locks_;
   HostRegistry registry_;
   HostClock clock_;
   HostSpecialFolders folders_;

@@ -17,6 +17,8 @@ bool OpenProject(Application& application, std::string_view name) {
   // The border of the routine: the callers are event handlers and the start routine, which have the
   // document at its defaults to go on with.
   return AtWorkBorder(application, kProjectCannotBeEdited, subject, [&] {
+    // Until they are read; what fails before must not lead to a save of anything else, either.
+    application.document.settings_source = SettingsSource::kUnread;
     const RegisteredProject registered = LookUpProject(application.platform, subject);
     CurrentProject& project = application.project;
     project.name = registered.name;

@@ -26,7 +26,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr long kMessageCannotEdit = 901;
-constexpr long kMessageWriting = 911;
 
 struct Options {
   std::string subject;  // PROJECT or DIRECTORY
@@ -171,17 +170,6 @@ ScanResult RunQuietScan(LoadedProject& project) {
   return RunScan(*project.application, view, nobody);
 }
 
-bool SaveSettings(LoadedProject& project) {
-  Application& application = *project.application;
-  try {
-    WriteSettings(application);
-    return true;
-  } catch (const RuntimeError& error) {
-    ShowError(application, kMessageWriting, {application.project.SettingsFile()}, error);
-    return false;
-  }
-}
-
 void PrintMissing(std::ostream& stream, const std::vector<MissingItem>& missing) {
   for (const MissingItem& item : missing) {
     stream << "missing: " << OneLine(ChainText(item.chain)) << '\n';
@@ -221,7 +209,9 @@ int Scan(ToolContext& context, const Options& options) {
   if (project.usable) {
     result = RunQuietScan(project);
     // What a failed scan found is no basis for the next one.
-    if (options.save && result.succeeded && !SaveSettings(project)) result.succeeded = false;
+    if (options.save && result.succeeded && !SaveSettings(*project.application)) {
+      result.succeeded = false;
+    }
   }
   const SetupDocument nothing;
   const SetupDocument& document = project.usable ? project.application->document : nothing;

@@ -29,7 +29,6 @@ constexpr long kTitleWithProject = 1001;
 constexpr long kTitleAddFile = 1600;
 constexpr long kTitlePicture = 1914;
 constexpr long kMessageCannotEdit = 901;
-constexpr long kMessageWriting = 911;
 constexpr long kAskAddAgain = 1702;
 constexpr long kAskSaveBeforeClosing = 1703;
 constexpr long kAskClearSettings = 1704;
@@ -164,13 +163,7 @@ void SetupWizardPresenter::OpenProject() {
   });
 }
 
-bool SetupWizardPresenter::Save() {
-  if (running_) return false;
-  return AtWorkBorder(application_, kMessageWriting, application_.project.SettingsFile(), [this] {
-    WriteSettings(application_);
-    return true;
-  });
-}
+bool SetupWizardPresenter::Save() { return !running_ && SaveSettings(application_); }
 
 void SetupWizardPresenter::End() {
   Act([this] {

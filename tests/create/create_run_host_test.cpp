@@ -16,6 +16,7 @@
 #include "document/medium.h"
 #include "environment/archiver_builtin.h"
 #include "environment/code_page.h"
+#include "environment/file_locks_host.h"
 #include "environment/file_system_host.h"
 #include "fakes/temp_folder.h"
 
@@ -86,6 +87,7 @@ class CreateRunOnHost : public testing::Test {
   fs::path output_ = drive_ / "Demo" / "Setup";
 
   HostFileSystem files_{folder_.Path().string()};
+  HostFileLocks locks_{files_};
   MemoryRegistry registry_;
   ProfileFiles profiles_{files_};
   FixedSpecialFolders folders_;
@@ -95,6 +97,7 @@ class CreateRunOnHost : public testing::Test {
   std::unique_ptr<Archiver> archiver_ = MakeBuiltInArchiver(files_, clock_);
   Platform platform_{registry_,
                      files_,
+                     locks_,
                      files_,
                      profiles_,
                      folders_,

@@ -668,72 +668,42 @@ INSTANTIATE_TEST_SUITE_P(
                     "Die Eingabe 'Anlage' ist kein gültiger Verzeichnisname"}),
     [](const testing::TestParamInfo<MessageCase>& test) { return std::string(test.param.name); });
 
-// --- Every operation may fail
+// --- Two at once
 
-TEST_F(CreateRun, WhicheverOperationFailsTheRunSaysSoAndTheNextOneIsAsIfNothingHadHappened) {
-  document_.steps.disk_size_index = 0;
-  document_.steps.setup_directory = "C:\\Out";
-  world_.files.AddFile("C:\\Out\\DISK7\\old.zip", "old");
-  world_.SetArchiveSize("C:\\Windows\\System32\\x.dll", 1'500'000);
-  const auto output = [this] {
-    std::map<std::string, std::string> files;
-    for (const std::string& path : world_.files.AllFilesIn("C:\\Out")) {
-      files[path] = world_.files.Contents(path);
-    }
-    return files;
-  };
+TEST_F(CreateRun, IsRefusedWhileAnotherProcessWorksInTheProjectDirectory) {
   ASSERT_TRUE(world_.Run().succeeded);
-  const std::map<std::string, std::string> undisturbed = output();
-  const std::string source = world_.files.Contents("C:\\Demo\\Demo.exe");
-
-  int failed = 0;
-  for (std::uint64_t number = 1;; ++number) {
-    SCOPED_TRACE(number);
-    world_.files.AddFile("C:\\Out\\DISK7\\old.zip", "old");
-    world_.messages.shown.clear();
-    world_.files.diary.clear();
-    world_.files.FailOperation(number, ErrorNumber::kDeviceIo);
-    const CreateResult result = world_.Run();
-    world_.files.StopFailing();
-
-    ASSERT_EQ(world_.files.Contents("C:\\Demo\\Demo.exe"), source);
-    ASSERT_FALSE(world_.view.busy);
-    const bool reached = world_.files.diary.size() >= number;
-    if (!reached) break;
-    if (result.succeeded) {
-      // Harmless: a question that was answered another way, or tidying up at the end.
-      ASSERT_EQ(output(), undisturbed);
-      ASSERT_THAT(world_.messages.shown, IsEmpty());
-    } else {
-      ++failed;
-      ASSERT_EQ(world_.messages.shown.size(), 1u);
-    }
-  }
-  EXPECT_GT(failed, 300);
+  const std::map<std::string, std::string> output = world_.Output();
   world_.messages.shown.clear();
-  ASSERT_TRUE(world_.Run().succeeded);
-  EXPECT_EQ(output(), undisturbed);
-  EXPECT_THAT(world_.messages.shown, IsEmpty());
+  world_.view.diary.clear();
+  const auto other = world_.platform.locks.TryTake(world_.application.project.LockFile());
+
+  EXPECT_FALSE(world_.Run().succeeded);
+  EXPECT_FALSE(PlanCreate(world_.application, world_.view).has_value());
+
+  ASSERT_THAT(world_.messages.Ids(), ElementsAre(1930, 1930));
+  EXPECT_THAT(world_.messages.shown[0].prompt,
+              StartsWith("Another Setup Wizard or TXSetupTool is working in the project directory "
+                         "'C:\\Demo'!\r\nWait until"));
+  EXPECT_THAT(world_.view.diary, IsEmpty());
+  EXPECT_EQ(world_.Output(), output);
 }
 
-TEST_F(CreateRun, ADriveThatIsGoneForGoodEndsTheRunWithOneMessage) {
+TEST_F(CreateRun, HoldsTheLockFromItsBeginningToItsEnd) {
+  std::vector<bool> held;
+  world_.platform.archiver.before = [&](std::string_view, std::string_view) {
+    held.push_back(world_.platform.locks.IsHeld("C:\\Demo\\~TXSetup.lock"));
+  };
+
   ASSERT_TRUE(world_.Run().succeeded);
 
-  for (std::uint64_t number = 1;; ++number) {
-    SCOPED_TRACE(number);
-    world_.messages.shown.clear();
-    world_.files.diary.clear();
-    world_.files.FailFrom(number, ErrorNumber::kDeviceUnavailable);
-    const CreateResult result = world_.Run();
-    world_.files.StopFailing();
+  EXPECT_THAT(held, ElementsAre(true, true));
+  EXPECT_FALSE(world_.platform.locks.IsHeld("C:\\Demo\\~TXSetup.lock"));
+}
 
-    // The last operation removes ~TEMP, which is nobody's loss.
-    if (result.succeeded) {
-      EXPECT_LE(world_.files.diary.size(), number);
-      break;
-    }
-    ASSERT_EQ(world_.messages.shown.size(), 1u);
-  }
+TEST_F(CreateRun, NeedsNoLocksWhereThereAreNone) {
+  world_.platform.locks.available = false;
+
+  EXPECT_TRUE(world_.Run().succeeded);
 }
 
 // --- Planning

@@ -19,18 +19,21 @@ std::size_t allocated_bytes = 0;
 }  // namespace
 
 // Counts for the whole test program; single-threaded, like the program itself. All forms that pair
-// with the plain delete are replaced, or the address sanitizer would see a mismatch.
-void* operator new(std::size_t size) {
+// with the plain delete are replaced, or the address sanitizer would see a mismatch;
+// none is inlined, or the compiler would take the malloc of one and the delete of another for one.
+[[gnu::noinline]] void* operator new(std::size_t size) {
   allocated_bytes += size;
   if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
   throw std::bad_alloc();
 }
-void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
   allocated_bytes += size;
   return std::malloc(size == 0 ? 1 : size);
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t /*size*/) noexcept {
+  std::free(memory);
+}
 
 namespace txs {
 namespace {

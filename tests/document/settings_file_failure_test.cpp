@@ -1,5 +1,6 @@
 // Hazard: a failing disk, share or reader in the middle of reading or saving. Whatever fails, the
 // settings file keeps the old contents or has the new ones, and the error is the one that happened.
+// Every operation of a save and of an opening fails in tests/reliability/fault_series_test.cpp.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -31,31 +32,6 @@ std::string NewSettings() {
   ChangedProject project;
   WriteSettings(project.world.application);
   return project.world.Get(kSettingsPath);
-}
-
-TEST(SettingsFileFailures, NoFailingOperationOfASaveHarmsTheFile) {
-  const std::string new_settings = NewSettings();
-  bool saved_undisturbed = false;
-  for (std::uint64_t n = 1; !saved_undisturbed; ++n) {
-    ASSERT_LT(n, 100u);
-    ChangedProject project;
-    MemoryFileSystem& files = project.world.Files();
-    const std::uint64_t before = files.OperationCount();
-    files.FailOperation(n, ErrorNumber::kDeviceIo);
-
-    bool saved = true;
-    try {
-      WriteSettings(project.world.application);
-    } catch (const RuntimeError& error) {
-      saved = false;
-      EXPECT_EQ(error.Number(), ErrorNumber::kDeviceIo) << "operation " << n;
-    }
-
-    EXPECT_EQ(project.world.Get(kSettingsPath), saved ? new_settings : kOld) << "operation " << n;
-    EXPECT_EQ(project.world.application.document.changed, !saved) << "operation " << n;
-    saved_undisturbed = files.OperationCount() - before < n;
-    EXPECT_TRUE(saved || !saved_undisturbed);
-  }
 }
 
 TEST(SettingsFileFailures, SaveThatFailedSucceedsWhenTriedAgain) {
@@ -148,6 +124,98 @@ TEST(SettingsFileFailures, FolderInPlaceOfTheFileCannotBeRead) {
             ErrorNumber::kPathFileAccess);
 }
 
+// The user's lists were lost when a file that was locked at the opening had become readable again:
+// the defaults that were shown instead were written over it.
+TEST(SettingsFileFailures, SettingsThatWereNotReadAreNotReplacedByTheDefaults) {
+  DocumentWorld world;
+  world.Put(kSettingsPath, kOld);
+  Application& application = world.application;
+  world.Files().FailPath(kSettingsPath, "OpenForReading", ErrorNumber::kPermissionDenied);
+  EXPECT_EQ(world.NumberOfErrorFrom([&] { ReadSettings(application); }),
+            ErrorNumber::kPermissionDenied);
+  world.Files().StopFailing();
+  application.document.steps.info.german[0] = "typed into the defaults";
+  application.document.changed = true;
+
+  EXPECT_FALSE(SaveSettings(application));
+
+  EXPECT_EQ(world.Get(kSettingsPath), kOld);
+  EXPECT_TRUE(application.document.changed);
+  EXPECT_EQ(world.MessageIds(), (std::vector<long>{1931}));
+  EXPECT_NE(
+      world.Prompts()[0].find("The file 'C:\\Demo\\Demo.swz' was not read when the project was "
+                              "opened"),
+      std::string::npos);
+  EXPECT_EQ(world.NumberOfErrorFrom([&] { WriteSettings(application); }),
+            ErrorNumber::kAlreadyExists);
+  EXPECT_EQ(world.Get(kSettingsPath), kOld);
+}
+
+TEST(SettingsFileFailures, SettingsThatAreReadInTheEndCanBeSaved) {
+  DocumentWorld world;
+  world.Put(kSettingsPath, kOld);
+  Application& application = world.application;
+  world.Files().FailPath(kSettingsPath, "OpenForReading", ErrorNumber::kPermissionDenied);
+  EXPECT_EQ(world.NumberOfErrorFrom([&] { ReadSettings(application); }),
+            ErrorNumber::kPermissionDenied);
+  world.Files().StopFailing();
+
+  ReadSettings(application);
+  application.document.steps.info.german[0] = "new";
+
+  EXPECT_TRUE(SaveSettings(application));
+  EXPECT_NE(world.Get(kSettingsPath).find("text1=new"), std::string::npos);
+  EXPECT_NE(world.Get(kSettingsPath).find("01=a.dll"), std::string::npos);
+}
+
+TEST(SettingsFileFailures, SettingsThatWereNotReadMayBeReplacedWhenTheUserClearsThem) {
+  DocumentWorld world;
+  world.Put(kSettingsPath, kOld);
+  world.Files().FailPath(kSettingsPath, "OpenForReading", ErrorNumber::kPermissionDenied);
+  EXPECT_EQ(world.NumberOfErrorFrom([&] { ReadSettings(world.application); }),
+            ErrorNumber::kPermissionDenied);
+  world.Files().StopFailing();
+
+  ClearSettings(world.application);
+
+  EXPECT_TRUE(SaveSettings(world.application));
+  EXPECT_EQ(world.Get(kSettingsPath).find("01=a.dll"), std::string::npos);
+}
+
+// As when the share with the project was away while it was opened.
+TEST(SettingsFileFailures, FileThatAppearedSinceTheOpeningIsNotReplaced) {
+  DocumentWorld world;
+  ReadSettings(world.application);
+  world.Put(kSettingsPath, kOld);
+
+  EXPECT_FALSE(SaveSettings(world.application));
+
+  EXPECT_EQ(world.Get(kSettingsPath), kOld);
+  EXPECT_EQ(world.MessageIds(), (std::vector<long>{1931}));
+}
+
+TEST(SettingsFileFailures, ProjectWithoutSettingsFileIsSavedAgainAndAgain) {
+  DocumentWorld world;
+  ReadSettings(world.application);
+
+  EXPECT_TRUE(SaveSettings(world.application));
+  EXPECT_TRUE(SaveSettings(world.application));
+
+  EXPECT_TRUE(world.Has(kSettingsPath));
+  EXPECT_TRUE(world.MessageIds().empty());
+}
+
+TEST(SettingsFileFailures, NothingIsSavedWhileAnotherProcessWorksOnTheProject) {
+  ChangedProject project;
+  const auto other = project.world.Memory().locks.TryTake("C:\\Demo\\~TXSetup.lock");
+
+  EXPECT_FALSE(SaveSettings(project.world.application));
+
+  EXPECT_EQ(project.world.Get(kSettingsPath), kOld);
+  EXPECT_TRUE(project.world.application.document.changed);
+  EXPECT_EQ(project.world.MessageIds(), (std::vector<long>{1930}));
+}
+
 class FailingConfigurator : public ProjectConfigurator {
  public:
   std::string OpenProject(std::string_view /*project_file*/) override {
@@ -165,31 +233,6 @@ TEST(SettingsFileFailures, FailingConfiguratorLeavesTheDefaults) {
 
   EXPECT_EQ(world.application.document.files.RowCount(), 0u);
   EXPECT_EQ(world.application.document.steps.info.german[0], "");
-}
-
-TEST(SettingsFileFailures, NoFailingOperationOfAReadLeavesHalfADocument) {
-  bool read_undisturbed = false;
-  for (std::uint64_t n = 1; !read_undisturbed; ++n) {
-    ASSERT_LT(n, 100u);
-    DocumentWorld world;
-    world.Put(kSettingsPath, kOld);
-    const std::uint64_t before = world.Files().OperationCount();
-    world.Files().FailOperation(n, ErrorNumber::kDeviceIo);
-
-    bool read = true;
-    try {
-      ReadSettings(world.application);
-    } catch (const RuntimeError& error) {
-      read = false;
-      EXPECT_EQ(error.Number(), ErrorNumber::kDeviceIo) << "operation " << n;
-    }
-
-    const SetupDocument& document = world.application.document;
-    EXPECT_EQ(document.files.RowCount(), read ? 1u : 0u) << "operation " << n;
-    EXPECT_EQ(document.hidden_files.RowCount(), read ? 1u : 0u) << "operation " << n;
-    EXPECT_EQ(document.steps.info.german[0], read ? "old" : "") << "operation " << n;
-    read_undisturbed = world.Files().OperationCount() - before < n;
-  }
 }
 
 }  // namespace

@@ -23,9 +23,16 @@ class FailingArchiver : public Archiver {
   // Called before every compression, with archive and source path.
   std::function<void(std::string_view, std::string_view)> before;
 
+  // Called after `before`; any code but kSuccess is the result.
+  std::function<ArchiveResult(std::string_view source_path)> fails;
+
   [[nodiscard]] ArchiveResult Compress(std::string_view archive_path,
                                        std::string_view source_path) override {
     if (before) before(archive_path, source_path);
+    if (fails) {
+      if (const ArchiveResult code = fails(source_path); code != ArchiveResult::kSuccess)
+        return code;
+    }
     const auto failure = failures_.find(FoldCase(source_path));
     if (failure != failures_.end()) return failure->second;
     return working_.Compress(archive_path, source_path);

@@ -11,8 +11,8 @@
 namespace txs {
 namespace {
 
-[[noreturn]] void Throw(ErrorNumber number, std::string_view path, const char* words) {
-  throw RuntimeError(number, std::string(path) + ": " + words);
+[[noreturn]] void Throw(ErrorNumber number, std::string_view path, std::string_view words) {
+  throw RuntimeError(number, std::string(path) + ": " + std::string(words));
 }
 
 // The limit of Windows for one component of a path.
@@ -381,13 +381,13 @@ void MemoryFileSystem::Count(std::string_view operation, std::string_view path) 
   diary.push_back({std::string(operation), std::string(path)});
   ++operations_;
   if (fail_at_ != 0 && (operations_ == fail_at_ || (fail_all_after_ && operations_ > fail_at_))) {
-    Throw(fail_error_, path, "failed on demand");
+    Throw(fail_error_, path, failure_words);
   }
   if (failures_.empty()) return;
   const std::string folded = FoldCase(Normalize(path));
   for (const Failure& failure : failures_) {
     if (failure.folded_path == folded && failure.operation == operation) {
-      Throw(failure.error, path, "failed on demand");
+      Throw(failure.error, path, failure_words);
     }
   }
 }

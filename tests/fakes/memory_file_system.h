@@ -54,6 +54,13 @@ class MemoryFileSystem : public FileSystem {
   void FailFrom(std::uint64_t number, ErrorNumber error);       // the Nth and all after it
   void FailPath(std::string_view path, std::string_view operation, ErrorNumber error);
   void StopFailing();
+  // What the errors on demand say behind the path.
+  std::string failure_words = "failed on demand";
+  // An operation of another part of the computer: recorded, counted and made to fail as those of
+  // the disk are.
+  void CountOther(std::string_view operation, std::string_view subject) const {
+    Count(operation, subject);
+  }
   [[nodiscard]] std::uint64_t OperationCount() const { return operations_; }
   [[nodiscard]] std::size_t Times(std::string_view operation) const;
 

@@ -13,6 +13,7 @@ MemoryPlatform::MemoryPlatform()
       archiver(*built_in_archiver_),
       platform_{registry,
                 files,
+                locks,
                 host_paths,
                 profiles,
                 folders,
@@ -24,6 +25,37 @@ MemoryPlatform::MemoryPlatform()
                   if (!configurator_available) return nullptr;
                   return MakeBuiltInConfigurator(tools);
                 }} {}
+
+void MemoryPlatform::CountEverything() {
+  registry.before_change = [this](std::string_view operation, std::string_view key) {
+    files.CountOther(operation, key);
+  };
+  locks.can_lock = [this](std::string_view path) {
+    try {
+      files.CountOther("Locks.TryTake", path);
+      return true;
+    } catch (const RuntimeError&) {
+      return false;
+    }
+  };
+  archiver.fails = [this](std::string_view source) {
+    try {
+      files.CountOther("Archiver.Compress", source);
+      return ArchiveResult::kSuccess;
+    } catch (const RuntimeError& error) {
+      switch (error.Number()) {
+        case ErrorNumber::kFileNotFound:
+          return ArchiveResult::kSourceNotFound;
+        case ErrorNumber::kPermissionDenied:
+          return ArchiveResult::kSourceUnreadable;
+        case ErrorNumber::kDiskFull:
+          return ArchiveResult::kDiskFull;
+        default:
+          return ArchiveResult::kUnexpected;
+      }
+    }
+  };
+}
 
 void MemoryPlatform::InstallStudio() {
   registry.Write(Hive::kLocalMachine, kVendorKey, "MainDir", "C:\\TavixStudio");

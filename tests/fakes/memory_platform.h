@@ -11,6 +11,7 @@
 #include "fakes/failing_archiver.h"
 #include "fakes/fixed_clock.h"
 #include "fakes/fixed_special_folders.h"
+#include "fakes/memory_file_locks.h"
 #include "fakes/memory_file_system.h"
 #include "fakes/memory_registry.h"
 #include "fakes/same_host_paths.h"
@@ -23,6 +24,7 @@ class MemoryPlatform {
   MemoryPlatform();
 
   MemoryFileSystem files;
+  MemoryFileLocks locks;
   SameHostPaths host_paths;
   MemoryRegistry registry;
   FixedClock clock;
@@ -39,6 +41,10 @@ class MemoryPlatform {
   bool configurator_available = true;
 
   [[nodiscard]] Platform& Get() { return platform_; }
+
+  // From here on changes of the registry, locks and the archiver's own calls count among the
+  // operations of `files`, and fail when those are told to.
+  void CountEverything();
 
   // The registry of a usable studio: C:\TavixStudio with its folders, in German.
   void InstallStudio();

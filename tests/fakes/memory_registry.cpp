@@ -24,6 +24,7 @@ std::optional<RegistryValue> MemoryRegistry::Read(Hive hive, std::string_view ke
 
 void MemoryRegistry::Write(Hive hive, std::string_view key, std::string_view name,
                            const RegistryValue& value) {
+  if (before_change) before_change("Registry.Write", key);
   if (refuse_changes) throw RuntimeError(*refuse_changes, std::string(key) + ": refused");
   Make(hive, key).values[FoldCase(name)] = value;
 }
@@ -34,6 +35,7 @@ std::vector<std::string> MemoryRegistry::Subkeys(Hive hive, std::string_view key
 }
 
 void MemoryRegistry::RemoveKey(Hive hive, std::string_view key) {
+  if (before_change) before_change("Registry.RemoveKey", key);
   if (refuse_changes) throw RuntimeError(*refuse_changes, std::string(key) + ": refused");
   const std::string address = Address(hive, key);
   if (keys_.erase(address) == 0) return;

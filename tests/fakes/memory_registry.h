@@ -2,6 +2,7 @@
 // made with.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -17,6 +18,8 @@ class MemoryRegistry : public Registry {
  public:
   // While set, Write and RemoveKey throw this.
   std::optional<ErrorNumber> refuse_changes;
+  // Called before Write and RemoveKey; may throw in the name of the registry.
+  std::function<void(std::string_view operation, std::string_view key)> before_change;
 
   [[nodiscard]] std::optional<RegistryValue> Read(Hive hive, std::string_view key,
                                                   std::string_view name) const override;

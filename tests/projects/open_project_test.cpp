@@ -171,6 +171,18 @@ TEST_F(OpeningAProject, WithoutRegistryKeepsTheDirectoryThatWasGiven) {
   EXPECT_EQ(application_.document.path_variables.front().value, "C:\\Kopie");
 }
 
+TEST_F(OpeningAProject, ThatCannotBeReadHasItsOwnTemporaryDirectoryAndNoUserDirectories) {
+  world_.Put("C:\\Demo\\Demo.swz", "[path]\r\n1=D:\\Rezepte\r\n");
+  world_.Memory().RegisterProject("Demo", "C:\\Demo", "Single");
+  ASSERT_TRUE(OpenProject(application_, "Demo"));
+  world_.Files().AddFolder(kSettings);
+
+  EXPECT_FALSE(OpenProject(application_, "Süd"));
+
+  EXPECT_EQ(FromVariableForm(application_.document.path_variables, "<TempDir>|<UserDir1>"),
+            "C:\\Anlagen\\Süd\\~TEMP|<UserDir1>");
+}
+
 TEST_F(OpeningAProject, WithoutRegistryThrowsWhenTheSettingsCannotBeRead) {
   world_.Files().AddFolder(kSettingsPath);
 

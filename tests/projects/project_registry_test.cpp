@@ -155,6 +155,7 @@ TEST(ProjectKeys, SecondNameThatDiffersOnlyInCaseIsLeftOut) {
   Platform& of_memory = memory.Get();
   Platform platform{registry,
                     memory.files,
+                    of_memory.locks,
                     of_memory.host_paths,
                     memory.profiles,
                     memory.folders,

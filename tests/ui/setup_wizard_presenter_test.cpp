@@ -270,6 +270,38 @@ TEST_F(MainForm, StopsOpeningOnCancel) {
   EXPECT_TRUE(document.changed);
 }
 
+// The user's lists were lost when the file had become readable again before the save.
+TEST_F(MainForm, DoesNotSaveTheDefaultsOverSettingsThatCouldNotBeRead) {
+  const std::string settings = "[setup]\r\ntext1=Werk Süd\r\n[file]\r\n01=a.dll,<WinSysDir>,1\r\n";
+  const char* const path = "C:\\Anlagen\\Süd\\Süd.swz";
+  world.Put(path, settings);
+  world.platform.files.FailPath(path, "OpenForReading", ErrorNumber::kPermissionDenied);
+  view.projects = {"Süd"};
+  presenter.OpenProject();
+  world.platform.files.StopFailing();
+  Type("txtInfo11", "typed into the defaults");
+  Answer(MessageResult::kOk);
+  Answer(MessageResult::kYes);
+
+  EXPECT_FALSE(presenter.Save());
+  EXPECT_FALSE(presenter.MayClose());
+
+  EXPECT_EQ(world.Get(path), settings);
+  ASSERT_THAT(messages.Ids(), ElementsAre(901, 1931, 1703, 1931));
+  EXPECT_THAT(messages.shown[1].prompt,
+              StartsWith("Die Einstellungen wurden nicht gespeichert!\r\nDie Datei "
+                         "'C:\\Anlagen\\Süd\\Süd.swz' wurde beim Öffnen des Projektes nicht "
+                         "gelesen"));
+
+  view.projects = {"Süd"};
+  Answer(MessageResult::kNo);
+  presenter.OpenProject();
+  Type("txtInfo11", "Werk Nord");
+  EXPECT_TRUE(presenter.Save());
+  EXPECT_THAT(world.Get(path), HasSubstr("text1=Werk Nord"));
+  EXPECT_THAT(world.Get(path), HasSubstr("01=a.dll,<WinSysDir>,1"));
+}
+
 TEST_F(MainForm, StopsOpeningWhenSavingFails) {
   Type("txtInfo11", "Werk Nord");
   Answer(MessageResult::kYes);
