@@ -101,14 +101,14 @@ bool CheckRoom(Application& application, std::uint64_t reserved_bytes, std::uint
 
 std::vector<std::string> ReadSetupKitList(Application& application) {
   const std::string path = JoinPath(application.installation.SetupKitDirectory(), kListName);
+  const ProfileDocument& list = application.platform.profiles.Open(path);
+  const std::optional<std::string> count_text = list.Value(kSection, "Count");
   // A profile file that does not exist reads as an empty one, which would hide why Count is
   // missing.
-  if (!application.platform.files.FileExists(path)) {
+  if (!count_text && !application.platform.files.FileExists(path)) {
     throw RuntimeError(ErrorNumber::kFileNotFound, path + ": file not found");
   }
-  const ProfileDocument& list = application.platform.profiles.Open(path);
-  const std::optional<std::int64_t> count =
-      ParseWholeNumber(list.Value(kSection, "Count").value_or(""));
+  const std::optional<std::int64_t> count = ParseWholeNumber(count_text.value_or(""));
   if (!count || *count < 0 || *count > kMaxKitFiles) {
     throw RuntimeError(ErrorNumber::kTypeMismatch,
                        path + ": Count of section " + kSection + " is no number of files");

@@ -41,7 +41,8 @@ const ProfileDocument& ProfileFiles::Open(std::string_view path) {
     read.exists = stamp.has_value();
     read.stamp = stamp.value_or(FileStamp());
   } catch (const RuntimeError& error) {
-    if (!MeansMissing(error.Number())) throw;
+    // What was there a moment ago is no missing file: it would be read as an empty one.
+    if (stamp || !MeansMissing(error.Number())) throw;
   }
   *kept = std::move(read);
   return kept->document;

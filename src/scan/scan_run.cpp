@@ -54,6 +54,15 @@ bool ScanDesignerProject(ScanSession& session, DependencyResolver& resolver) {
   });
 }
 
+bool CanOpen(ProfileFiles& profiles, const std::string& path) {
+  try {
+    static_cast<void>(profiles.Open(path));
+    return true;
+  } catch (const RuntimeError&) {
+    return false;
+  }
+}
+
 bool RunStages(ScanSession& session) {
   DependencyResolver resolver(session);
   // To-do lines of an earlier process are gone, the rows that brought them are not. A document that
@@ -62,6 +71,13 @@ bool RunStages(ScanSession& session) {
       !session.App().document.extra_todo_lines.empty() || resolver.AddScriptLinesOfKeptRows();
   succeeded = ScanStudioProject(session, resolver) && succeeded;
   if (session.View().IsCancelPressed()) return false;
+  // A project file that cannot be read ended the first stage with the message that the second would
+  // show again.
+  const Application& application = session.App();
+  if (!succeeded &&
+      !CanOpen(application.platform.profiles, application.project.StudioProjectFile())) {
+    return false;
+  }
   return ScanDesignerProject(session, resolver) && succeeded;
 }
 

@@ -109,6 +109,19 @@ TEST_F(ProfileFilesTest, AFileThatCannotBeReadIsAnError) {
   }
 }
 
+// It was read as an empty file, so that a save could have thrown away what it holds.
+TEST_F(ProfileFilesTest, AFileThatWasThereAMomentAgoIsNotTakenForAMissingOne) {
+  PutFile("[s]\r\nk=1\r\n");
+  files_.FailPath(kPath, "OpenForReading", ErrorNumber::kFileNotFound);
+
+  try {
+    (void)profiles_.Open(kPath);
+    ADD_FAILURE() << "no error was thrown";
+  } catch (const RuntimeError& error) {
+    EXPECT_EQ(error.Number(), ErrorNumber::kFileNotFound);
+  }
+}
+
 TEST_F(ProfileFilesTest, AFolderIsNoProfileFile) {
   EXPECT_THROW((void)profiles_.Open("C:\\Demo"), RuntimeError);
 }

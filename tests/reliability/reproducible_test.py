@@ -1,0 +1,108 @@
+#!/usr/bin/env python3
+"""Same input, same bytes: whatever surrounds a run, and whichever build makes it.
+
+Run by CTest, one test per scenario:
+    reproducible_test.py WIZARD GENERATOR PREPARE SCENARIO
+The installations of the sample studio have their digests on record, sample_installations.sha256; every
+preset compares with them. Regenerate the record, after a change that is meant to change the bytes
+(samples, archiver, script, or a new version of libdeflate), with
+    TXS_WRITE_DIGESTS=1 ctest --preset ci -R reproducible.the_samples_have_the_digests_on_record
+and say in the commit why.
+"""
+
+import hashlib
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+WIZARD, GENERATOR, PREPARE = (str(pathlib.Path(path).absolute()) for path in sys.argv[1:4])
+RECORD = pathlib.Path(__file__).with_name("sample_installations.sha256")
+
+PROJECTS = ("Kläranlage Server", "Leitstand Client", "Mischanlage Süd")
+
+
+def digests(folder):
+    return {
+        path.relative_to(folder).as_posix(): hashlib.sha256(path.read_bytes()).hexdigest()
+        for path in sorted(folder.rglob("*"))
+        if path.is_file()
+    }
+
+
+class Reproducible(unittest.TestCase):
+    def setUp(self):
+        self.scratch = pathlib.Path(tempfile.mkdtemp(prefix="reproducible-"))
+        self.addCleanup(shutil.rmtree, self.scratch)
+
+    def build(self, name, changes=None, directory="/", mask=0o022, projects=PROJECTS):
+        """The digests of all installations of a fresh copy of the sample studio."""
+        studio = self.scratch / name
+        studio.parent.mkdir(parents=True, exist_ok=True)
+        subprocess.run([PREPARE, GENERATOR, str(studio)], check=True)
+        environment = {
+            "PATH": os.environ["PATH"],
+            "HOME": str(self.scratch),
+            "LC_ALL": "C.UTF-8",
+            # Archives and script tell local times, as on Windows: the time zone is input.
+            "TZ": "UTC",
+            "TAVIX_ROOT": str(studio),
+        }
+        for key, value in (changes or {}).items():
+            environment.pop(key, None)
+            if value is not None:
+                environment[key] = value
+        found = {}
+        for project in projects:
+            result = subprocess.run(
+                [WIZARD, "/c=" + project],
+                env=environment,
+                cwd=directory or studio,
+                umask=mask,
+                stdin=subprocess.DEVNULL,
+                capture_output=True,
+                check=False,
+            )
+            self.assertEqual(result.returncode, 0, result.stderr.decode(errors="replace"))
+            setup = studio / "drive_c" / "Projekte" / project / "Setup"
+            for path, digest in digests(setup).items():
+                found[project + "/" + path] = digest
+        return found
+
+    def test_the_surroundings_of_a_run_change_no_byte(self):
+        expected = self.build("plain")
+        self.assertGreater(len(expected), 60)
+        surroundings = [
+            {"directory": None},
+            {"directory": tempfile.gettempdir(), "mask": 0o077},
+            {"mask": 0},
+            {"changes": {"LC_ALL": "C"}},
+            {"changes": {"LC_ALL": "de_DE.UTF-8", "LANG": "de_DE.UTF-8"}},
+            {"changes": {"LC_ALL": "tr_TR.ISO-8859-9"}},
+            {"changes": {"LC_ALL": None, "LANG": "no such locale"}},
+            {"changes": {"TZ": "UTC0", "HOME": None, "XDG_DATA_HOME": "/nowhere"}},
+            {"changes": {"TMPDIR": "/nowhere", "DISPLAY": ":77", "COLUMNS": "7"}},
+            {"name": "a much longer name/of the folder/that stands for the computer"},
+        ]
+        project = ("Mischanlage Süd",)
+        part = {name: digest for name, digest in expected.items() if name.startswith(project[0])}
+        for number, surrounding in enumerate(surroundings):
+            with self.subTest(surrounding=surrounding):
+                name = surrounding.pop("name", f"copy{number}")
+                self.assertEqual(self.build(name, projects=project, **surrounding), part)
+        print(f"RELIABILITY surroundings with the same bytes: {len(surroundings)}")
+
+    def test_the_samples_have_the_digests_on_record(self):
+        found = self.build("studio")
+        lines = "".join(f"{digest}  {name}\n" for name, digest in found.items())
+        if os.environ.get("TXS_WRITE_DIGESTS"):
+            RECORD.write_text(lines, encoding="utf-8")
+        self.assertEqual(lines, RECORD.read_text(encoding="utf-8"))
+        print(f"RELIABILITY files of the samples with the digest on record: {len(found)}")
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1] + ["Reproducible." + sys.argv[4]])
