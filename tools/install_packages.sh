@@ -23,9 +23,11 @@ windows_packages='g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix libz-mingw
 package_packages='dpkg-dev file unzip'
 # What looks for faults in the sources.
 analysis_packages='clang-tidy cppcheck'
+# What tools/performance.sh measures with, and the peers.
+benchmark_packages='python3 findutils zip p7zip-full g++-mingw-w64-x86-64-posix wine wine64'
 
 usage() {
-  echo "usage: $0 build|ui|test|display|package|windows|analysis ..." >&2
+  echo "usage: $0 build|ui|test|display|package|windows|analysis|benchmark ..." >&2
   exit 2
 }
 
@@ -39,6 +41,7 @@ for group in "$@"; do
     display) wanted="$wanted $display_packages" ;;
     package) wanted="$wanted $package_packages" ;;
     windows) wanted="$wanted $windows_packages" ;;
+    benchmark) wanted="$wanted $benchmark_packages" ;;
     test) wanted="$wanted $test_packages" ;;
     *) usage ;;
   esac
