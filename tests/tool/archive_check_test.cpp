@@ -14,6 +14,7 @@
 namespace txs {
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
@@ -207,6 +208,93 @@ TEST_F(ArchiveCheck, PieceThatShrankSinceItWasListedIsAFault) {
 
   EXPECT_THAT(CheckArchive(world.files, {{"C:\\P\\0.zip", archive.size() + 1}}, {"a.txt", 3}),
               Not(IsEmpty()));
+}
+
+std::string LittleEndian(std::uint64_t figure, std::size_t bytes) {
+  std::string text;
+  for (std::size_t i = 0; i < bytes; ++i) text += static_cast<char>(figure >> (8 * i) & 0xFF);
+  return text;
+}
+
+// The archive as a packer writes it that knows CRC and sizes only when the contents are through: a
+// flag says so, the local header has none, and they follow the contents.
+std::string WithDescriptor(std::string archive, bool signature, std::size_t size_bytes) {
+  const std::size_t directory = archive.rfind("PK\x01\x02");
+  const std::string crc = archive.substr(14, 4);
+  std::string descriptor = signature ? std::string("PK\x07\x08") : std::string();
+  descriptor += crc;
+  for (const std::size_t at : {std::size_t{18}, std::size_t{22}}) {
+    descriptor += archive.substr(at, 4) + std::string(size_bytes - 4, '\0');
+  }
+  archive[6] = static_cast<char>(archive[6] | 8);
+  archive[directory + 8] = static_cast<char>(archive[directory + 8] | 8);
+  archive.replace(archive.size() - 6, 4, LittleEndian(directory + descriptor.size(), 4));
+  archive.insert(directory, descriptor);
+  archive.replace(14, 12, 12, '\0');
+  return archive;
+}
+
+TEST_F(ArchiveCheck, FiguresBehindTheContentsAreReadInEachOfTheirFourForms) {
+  const std::string archive = Pack(Repetitive());
+  const ArchiveExpectation expected{"a.txt", Repetitive().size()};
+
+  for (const bool signature : {false, true}) {
+    for (const std::size_t size_bytes : {std::size_t{4}, std::size_t{8}}) {
+      EXPECT_THAT(Check(WithDescriptor(archive, signature, size_bytes), expected), IsEmpty())
+          << signature << size_bytes;
+    }
+  }
+}
+
+TEST_F(ArchiveCheck, EveryFlippedByteOfTheFiguresBehindTheContentsIsFound) {
+  const std::string archive = Pack(Repetitive());
+  const std::size_t begin = archive.rfind("PK\x01\x02");
+  const std::string described = WithDescriptor(archive, /*signature=*/true, /*size_bytes=*/8);
+
+  for (std::size_t at = begin; at < described.rfind("PK\x01\x02"); ++at) {
+    std::string changed = described;
+    changed[at] = static_cast<char>(~changed[at]);
+    EXPECT_EQ(Check(changed, {"a.txt", Repetitive().size()}).size(), 1u) << at - begin;
+  }
+}
+
+TEST_F(ArchiveCheck, FiguresBehindTheContentsInNoKnownFormAreAFault) {
+  std::string archive = WithDescriptor(Pack("abc"), /*signature=*/true, /*size_bytes=*/4);
+  const std::size_t directory = archive.rfind("PK\x01\x02");
+  archive.replace(archive.size() - 6, 4, LittleEndian(directory + 2, 4));
+  archive.insert(directory, 2, '\0');
+
+  EXPECT_EQ(Check(archive, {"a.txt", 3}).size(), 1u);
+}
+
+TEST_F(ArchiveCheck, MethodsAndVersionsThatTheSetupDoesNotKnowAreNamed) {
+  const std::string archive = Pack("abc");
+  const std::size_t directory = archive.rfind("PK\x01\x02");
+  std::string other_method = archive;
+  other_method[8] = other_method[directory + 10] = 12;
+  std::string newer = archive;
+  newer[4] = newer[directory + 6] = 63;
+
+  EXPECT_THAT(Check(other_method, {"a.txt", 3}), ElementsAre("is packed by the unknown method 12"));
+  EXPECT_THAT(Check(newer, {"a.txt", 3}),
+              ElementsAre("is packed in a way that the setup does not know"));
+}
+
+// Packers of other systems write names in their own code page and do not say which.
+TEST_F(ArchiveCheck, NameInAnUnknownCodePageIsComparedByItsAsciiLetters) {
+  std::string archive = Pack("abc", "C:\\S\\MxLL.txt");
+  archive[31] = archive[archive.rfind("PK\x01\x02") + 47] = '\x9A';  // Ü in code page 850
+
+  EXPECT_THAT(Check(archive, {"m\u00FCll.txt", 3}), IsEmpty());
+  EXPECT_EQ(Check(archive, {"m\u00FCllt.tx", 3}).size(), 1u);
+}
+
+TEST_F(ArchiveCheck, PiecesLongerThanAnyFileAreAFault) {
+  const std::uint64_t half = std::uint64_t{1} << 63;
+
+  EXPECT_THAT(
+      CheckArchive(world.files, {{"C:\\P\\0.zip", half}, {"C:\\P\\1.zip", half}}, {"a.txt", 3}),
+      ElementsAre("the pieces are too long"));
 }
 
 }  // namespace
