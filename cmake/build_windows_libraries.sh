@@ -157,10 +157,10 @@ wx_options='--with-msw --disable-shared --enable-unicode --disable-tests --disab
   --disable-mediactrl --disable-debugreport --disable-fs_archive --disable-fs_inet --disable-fs_zip
   --disable-arcstream --disable-zipstream --disable-tarstream --disable-printarch --disable-mdi
   --disable-docview --disable-joystick --disable-sound --disable-dialupman --disable-dbghelp
-  --disable-secretstore --disable-svg --disable-calendar --disable-splash --disable-tipdlg
+  --disable-secretstore --disable-svg --disable-splash --disable-tipdlg
   --disable-wizarddlg --disable-grid --disable-graphics-d2d --disable-gif --disable-pcx
   --disable-tga --disable-iff --disable-pnm --disable-fswatcher --disable-fsvolume
-  --disable-addremovectrl --disable-animatectrl --disable-bannerwindow --disable-collpane
+  --disable-addremovectrl --disable-animatectrl --disable-bannerwindow
   --disable-colourpicker --disable-commandlinkbutton --disable-dirpicker
   --disable-filepicker --disable-fontpicker --disable-hyperlink --disable-infobar
   --disable-editablebox --disable-notifmsg --disable-prefseditor
