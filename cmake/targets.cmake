@@ -36,6 +36,13 @@ if(TXS_COVERAGE)
   target_compile_options(txs_options INTERFACE --coverage)
   target_link_options(txs_options INTERFACE --coverage)
 endif()
+if(TXS_FUZZ)
+  # Assertions of the standard library stay on: a look beyond the end of a text is a finding, too.
+  target_compile_options(
+    txs_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
+                          -fno-omit-frame-pointer -D_GLIBCXX_ASSERTIONS)
+  target_link_options(txs_options INTERFACE -fsanitize=address,undefined)
+endif()
 
 # txs_add_library(<folder> SOURCES ... DEPENDS ...) makes the static library txs_<folder>. Its
 # headers are included as "<folder>/<subject>.h", and each is compiled alone once (target

@@ -25,9 +25,11 @@ package_packages='dpkg-dev file unzip'
 analysis_packages='clang-tidy cppcheck'
 # What tools/performance.sh measures with, and the peers.
 benchmark_packages='python3 findutils zip p7zip-full g++-mingw-w64-x86-64-posix wine wine64'
+# The fuzz targets (tools/fuzz.sh): libFuzzer comes with clang.
+fuzz_packages='clang libclang-rt-14-dev'
 
 usage() {
-  echo "usage: $0 build|ui|test|display|package|windows|analysis|benchmark ..." >&2
+  echo "usage: $0 build|ui|test|display|package|windows|analysis|benchmark|fuzz ..." >&2
   exit 2
 }
 
@@ -43,6 +45,7 @@ for group in "$@"; do
     windows) wanted="$wanted $windows_packages" ;;
     benchmark) wanted="$wanted $benchmark_packages" ;;
     test) wanted="$wanted $test_packages" ;;
+    fuzz) wanted="$wanted $fuzz_packages" ;;
     *) usage ;;
   esac
 done

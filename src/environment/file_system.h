@@ -57,6 +57,9 @@ class OutputFile {
 struct FileEntry {
   std::string name;  // as spelled on the disk, without directory
   bool is_folder = false;
+  // A symbolic link, or another way of Windows to lead elsewhere (reparse point); `is_folder` then
+  // tells of what it leads to.
+  bool is_link = false;
 };
 
 // What tells that a file changed since it was read.

@@ -679,10 +679,14 @@ std::vector<FileEntry> HostFileSystem::List(std::string_view folder,
     }
     const std::string name = entry->d_name;
     if (!IsUtf8(name) || !IsWindowsName(name) || !MatchesWildcard(name, pattern)) continue;
-    const bool is_folder =
-        entry->d_type == DT_DIR ||
-        ((entry->d_type == DT_UNKNOWN || entry->d_type == DT_LNK) && IsFolderAt(Below(path, name)));
-    found.push_back({FoldCase(name), {name, is_folder}});
+    const std::string entry_path = Below(path, name);
+    struct stat status;
+    const bool is_link = entry->d_type == DT_LNK ||
+                         (entry->d_type == DT_UNKNOWN && lstat(entry_path.c_str(), &status) == 0 &&
+                          S_ISLNK(status.st_mode));
+    const bool is_folder = entry->d_type == DT_DIR ||
+                           ((entry->d_type == DT_UNKNOWN || is_link) && IsFolderAt(entry_path));
+    found.push_back({FoldCase(name), {name, is_folder, is_link}});
   }
   std::ranges::sort(found, [](const auto& left, const auto& right) {
     return std::tie(left.first, left.second.name) < std::tie(right.first, right.second.name);

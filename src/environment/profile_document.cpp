@@ -82,8 +82,12 @@ std::string_view ProfileDocument::Line::ValueBytes() const {
 
 ProfileDocument::ProfileDocument(std::string_view bytes) {
   std::string text;
-  if (bytes.starts_with(kUtf16Mark) && bytes.size() % 2 == 0) {
+  if (bytes.starts_with(kUtf16Mark)) {
     byte_order_mark_ = kUtf16Mark;
+    if (bytes.size() % 2 != 0) {
+      half_unit_ = bytes.back();
+      bytes.remove_suffix(1);
+    }
     text = Utf16ToUtf8(bytes.substr(kUtf16Mark.size()));
     bytes = text;
     is_utf8_ = true;
@@ -390,17 +394,21 @@ void ProfileDocument::CompleteLastLine() {
 }
 
 std::string ProfileDocument::Bytes() const {
-  std::size_t size = byte_order_mark_.size();
+  std::size_t size = 0;
   for (const SectionBlock& section : sections_) {
     for (const Line& line : section.lines) size += line.bytes.size();
   }
   std::string bytes;
   bytes.reserve(size);
-  if (!is_utf16_) bytes += byte_order_mark_;
   for (const SectionBlock& section : sections_) {
     for (const Line& line : section.lines) bytes += line.bytes;
   }
-  return is_utf16_ ? byte_order_mark_ + Utf8ToUtf16(bytes) : bytes;
+  if (is_utf16_) return byte_order_mark_ + Utf8ToUtf16(bytes) + half_unit_;
+  if (byte_order_mark_.empty()) return bytes;
+  // What made a file with the mark an ANSI file may have been changed or removed. Its other texts
+  // would then be taken for UTF-8, so they become that.
+  if (!is_utf8_ && IsUtf8(bytes)) bytes = AnsiToUtf8(bytes);
+  return byte_order_mark_ + bytes;
 }
 
 }  // namespace txs

@@ -38,7 +38,8 @@ class ProfileDocument {
   // Never fails: a line that is no section, key or comment is kept and means nothing. `bytes` is
   // the file as it is on disk, in the ANSI code page; a file that begins with a UTF-8 byte order
   // mark and is UTF-8 throughout is read and written as UTF-8, one that begins with that of UTF-16
-  // (what Windows calls "Unicode") as UTF-16.
+  // (what Windows calls "Unicode") as UTF-16. One that was cut off within a character of UTF-16
+  // keeps its last byte, at its end.
   explicit ProfileDocument(std::string_view bytes);
 
   // The value of the first such key of the first such section; nothing when it is absent. An empty
@@ -69,7 +70,8 @@ class ProfileDocument {
   // name, if there is one, is what reading finds from then on.
   void RemoveSection(std::string_view section);
 
-  // The file's bytes, ready to be written.
+  // The file's bytes, ready to be written. A file in ANSI that begins with the mark of UTF-8, and
+  // whose bytes have become UTF-8 by a change, is written as UTF-8.
   [[nodiscard]] std::string Bytes() const;
 
  private:
@@ -114,6 +116,7 @@ class ProfileDocument {
   static void ReplaceValue(Line& line, const Line& entry);
 
   std::string byte_order_mark_;
+  std::string half_unit_;  // the byte too many of a UTF-16 file of odd length
   bool is_utf8_ = false;   // the lines are UTF-8
   bool is_utf16_ = false;  // they are, but the file is not
   // In file order; [0] is the head of the file, before the first header. A removed section stays

@@ -494,9 +494,14 @@ bool SameName(const Entry& entry, std::string_view expected) {
   return EqualNoCase(AsciiOutline(AnsiToUtf8(entry.name)), AsciiOutline(expected));
 }
 
+// Without the control characters with which a name could take over the terminal that it is shown
+// in.
 std::string ShownName(const Entry& entry) {
   const bool utf8 = (entry.flags & kFlagUtf8) != 0 && IsUtf8(entry.name);
-  return utf8 ? entry.name : AnsiToUtf8(entry.name);
+  std::string name = utf8 ? entry.name : AnsiToUtf8(entry.name);
+  std::replace_if(
+      name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, '?');
+  return name;
 }
 
 void Check(const FileReader& files, const std::vector<ArchivePiece>& pieces,

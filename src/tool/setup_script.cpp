@@ -17,6 +17,7 @@ namespace {
 constexpr std::size_t kMaxFileNameBytes = 765;
 
 constexpr std::size_t kMostFaults = 10000;
+constexpr std::size_t kSingleArguments = 8;  // what stands behind in InstallFile are the disks
 constexpr std::size_t kUnbounded = std::numeric_limits<std::size_t>::max();
 
 struct CommandForm {
@@ -73,23 +74,33 @@ bool IsDate(std::string_view text) {
          *month <= 12;
 }
 
+std::string_view TakeArgument(std::string_view& rest) {
+  const std::size_t end = std::min(rest.find('|'), rest.size());
+  const std::string_view argument = rest.substr(0, end);
+  rest.remove_prefix(std::min(end + 1, rest.size()));
+  return argument;
+}
+
+// The first kSingleArguments arguments of a command; the last part is all that follows, however
+// many arguments that are. A line may be nothing but separators, so that each must not cost memory.
 std::vector<std::string_view> Split(std::string_view text) {
   std::vector<std::string_view> parts;
-  for (;;) {
-    const std::size_t end = text.find('|');
-    parts.push_back(text.substr(0, end));
-    if (end == std::string_view::npos) return parts;
-    text.remove_prefix(end + 1);
+  while (parts.size() + 1 < kSingleArguments && text.find('|') != std::string_view::npos) {
+    parts.push_back(TakeArgument(text));
   }
+  parts.push_back(text);
+  return parts;
 }
 
 std::string Quoted(std::string_view text) {
   constexpr std::size_t kShown = 60;
+  std::size_t end = std::min(text.size(), kShown);
+  while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
   std::string quoted = "\"";
-  for (const char c : text.substr(0, kShown)) {
+  for (const char c : text.substr(0, end)) {
     quoted += static_cast<unsigned char>(c) < 0x20 ? '?' : c;
   }
-  return quoted + (text.size() > kShown ? "...\"" : "\"");
+  return quoted + (end < text.size() ? "...\"" : "\"");
 }
 
 // Whether the engine may have a command of this name. Dependency files bring lines of their own, so
@@ -209,9 +220,10 @@ class Parser {
       return;
     }
     const std::vector<std::string_view> arguments = Split(inner);
+    const auto count = static_cast<std::size_t>(std::count(inner.begin(), inner.end(), '|')) + 1;
     if (name == "InstallFile") NoteInstallFile(arguments);
-    if (arguments.size() < form->least_arguments || arguments.size() > form->most_arguments) {
-      Fault(std::string(name) + " has " + std::to_string(arguments.size()) + " arguments");
+    if (count < form->least_arguments || count > form->most_arguments) {
+      Fault(std::string(name) + " has " + std::to_string(count) + " arguments");
       if (name == "InstallFile") lengths_known_ = false;
       return;
     }
@@ -265,8 +277,10 @@ class Parser {
     }
     if (!IsDate(arguments[3])) Fault("the date is no date");
     if (arguments[5] != "2" || arguments[6] != "0") Fault("the options are not 2|0");
-    for (std::size_t i = 7; i < arguments.size(); ++i) {
-      const std::optional<std::uint64_t> disk = Digits(arguments[i]);
+    std::string_view disks = arguments.back();
+    for (bool at_end = false; !at_end;) {
+      at_end = disks.find('|') == std::string_view::npos;
+      const std::optional<std::uint64_t> disk = Digits(TakeArgument(disks));
       if (!disk || *disk == 0 || (!install.disks.empty() && *disk <= install.disks.back())) {
         Fault("the disks are not in order");
         break;

@@ -20,6 +20,7 @@ namespace {
 
 constexpr char kScriptName[] = "SETUP.STP";
 constexpr std::uint64_t kLongestScript = std::uint64_t{64} << 20;
+constexpr char kIsLink[] = "is a link and not followed";
 constexpr std::size_t kMostDamages = 10000;
 
 struct DiskFile {
@@ -113,6 +114,10 @@ class Verifier {
     Reading(directory_, [this] {
       for (const FileEntry& entry : files_.List(directory_ + "\\", "DISK*")) {
         if (!entry.is_folder) continue;
+        if (entry.is_link) {
+          Add(entry.name, kIsLink);
+          continue;
+        }
         const std::optional<std::uint64_t> number = DiskNumber(entry.name);
         if (!number) {
           Add(entry.name, "is no disk directory of an installation");
@@ -143,6 +148,16 @@ class Verifier {
   void ListDisk(Disk& disk) {
     Reading(disk.name, [this, &disk] {
       for (FileEntry& entry : files_.List(disk.path, "*")) {
+        // Nothing that could lead elsewhere is as much as looked at: a foreign tool can give a file
+        // a name that means a device or another directory.
+        if (!IsPlainFileName(entry.name)) {
+          Add(disk.name + "\\" + entry.name, "has a name that no setup can use");
+          continue;
+        }
+        if (entry.is_link) {
+          Add(disk.name + "\\" + entry.name, kIsLink);
+          continue;
+        }
         DiskFile file;
         file.is_folder = entry.is_folder;
         if (!file.is_folder) {

@@ -1,6 +1,7 @@
 // Reads a finished installation back: joins the pieces, inflates, checks CRC and lengths, the label
 // files, and that the script and the disks name the same archives. Never writes; never leaves the
-// directory, whatever the script says.
+// directory, whatever the script says and whatever the names and links in it lead to. The directory
+// itself may be a link.
 #pragma once
 
 #include <cstdint>

@@ -211,6 +211,17 @@ TEST(ProfileDocument, AFileMarkedAsUtf8ThatIsNotIsAnsi) {
   EXPECT_EQ(document.Value("s", "k"), "Ä");
 }
 
+// The texts of such a file became others with the change.
+TEST(ProfileDocument, AFileMarkedAsUtf8ThatWasAnsiIsUtf8WhenAChangeMakesItSo) {
+  ProfileDocument document("\xEF\xBB\xBF[s]\r\nk=\xC4\r\nl=\xC3\xBC\r\n");
+  ASSERT_EQ(document.Value("s", "l"), "Ã¼");
+
+  document.Set("s", "k", "x");
+
+  EXPECT_EQ(ProfileDocument(document.Bytes()).Value("s", "l"), "Ã¼");
+  EXPECT_EQ(document.Bytes(), "\xEF\xBB\xBF[s]\r\nk=x\r\nl=Ã¼\r\n");
+}
+
 // As the Windows editor saves it as "Unicode", and as the Windows profile functions read it.
 TEST(ProfileDocument, AFileInUtf16StaysInUtf16) {
   const auto utf16 = [](std::string_view text) { return "\xFF\xFE" + Utf8ToUtf16(text); };
@@ -220,6 +231,22 @@ TEST(ProfileDocument, AFileInUtf16StaysInUtf16) {
   document.Set("s", "l", "Čapek 😀");
 
   EXPECT_EQ(document.Bytes(), utf16("[s]\r\n; Č\r\nk=Ä\r\nl=Čapek 😀\r\n"));
+}
+
+// Found by fuzzing: such a file was taken for ANSI, and for UTF-16 as soon as a change had made its
+// length even, so that nothing of it was found again.
+TEST(ProfileDocument, AFileInUtf16CutOffWithinACharacterStaysInUtf16WhenItIsChanged) {
+  const std::string bytes = "\xFF\xFE" + Utf8ToUtf16("[a]\r\nb=1\r\n") + "c";
+  ProfileDocument document(bytes);
+
+  document.Set("a", "d", "2");
+  document.Set("e", "f", "ü");
+
+  const ProfileDocument again(document.Bytes());
+  EXPECT_EQ(again.Value("a", "b"), "1");
+  EXPECT_EQ(again.Value("a", "d"), "2");
+  EXPECT_EQ(again.Value("e", "f"), "ü");
+  EXPECT_EQ(again.Bytes(), "\xFF\xFE" + Utf8ToUtf16("[a]\r\nb=1\r\nd=2\r\n[e]\r\nf=ü\r\n") + "c");
 }
 
 TEST(ProfileDocument, ADamagedFileInUtf16KeepsItsBytes) {

@@ -84,6 +84,19 @@ TEST_F(ArchiveCheck, EntryNameIsComparedWithoutRegardToCase) {
   EXPECT_THAT(Check(Pack("x", "C:\\S\\MÜLL.txt"), {"müll.TXT", 1}), IsEmpty());
 }
 
+// A name could have taken over the terminal that shows the report.
+TEST_F(ArchiveCheck, ControlCharactersOfANameAreNotShown) {
+  std::string archive = Pack("abc", "C:\\S\\x1x.txt");
+  for (std::size_t at = 0; (at = archive.find("x1x", at)) != std::string::npos;) {
+    archive.replace(at, 3, "x\x1Bx");
+  }
+
+  const std::vector<std::string> faults = Check(archive, {"a.txt", 3});
+
+  ASSERT_EQ(faults.size(), 1u);
+  EXPECT_EQ(faults[0], "holds \"x?x.txt\", not \"a.txt\"");
+}
+
 TEST_F(ArchiveCheck, OtherNameAndOtherLengthAreTwoFaults) {
   EXPECT_EQ(Check(Pack("abc"), {"b.txt", 4}).size(), 2u);
 }

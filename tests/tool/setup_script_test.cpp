@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "environment/code_page.h"
+
 namespace txs {
 namespace {
 
@@ -199,6 +201,30 @@ TEST(SetupScript, StopsAfterTenThousandFaults) {
   const SetupScript script = ParseSetupScript(ScriptWith(garbage));
 
   EXPECT_EQ(script.faults.size(), 10001u);
+}
+
+// A line may be nothing but separators; the target setup_script of the fuzzer counts what it costs.
+TEST(SetupScript, ArgumentsWithoutEndAreOneFault) {
+  const std::string separators(1'000'000, '|');
+
+  EXPECT_THAT(FaultLines(ScriptWith("SetVar(" + separators + ")\r\n")), ElementsAre(kFirstCommand));
+  const SetupScript script = ParseSetupScript(
+      ScriptWith("InstallFile(x.zip|T\\x|7|20.02.2004||2|0|1" + separators + ")\r\n",
+                 /*max_bytes=*/"7"));
+  ASSERT_EQ(script.faults.size(), 1u);
+  EXPECT_EQ(script.faults[0].what, "the disks are not in order");
+}
+
+// It was cut off within a character, and the report was no UTF-8.
+TEST(SetupScript, ALongLineIsQuotedInWholeCharacters) {
+  for (std::size_t before = 50; before < 60; ++before) {
+    const std::string line = std::string(before, 'x') + std::string(20, '\xC4') + "\r\n";
+
+    const SetupScript script = ParseSetupScript(ScriptWith(line));
+
+    ASSERT_EQ(script.faults.size(), 1u);
+    EXPECT_TRUE(IsUtf8(script.faults[0].what)) << script.faults[0].what;
+  }
 }
 
 TEST(IsPlainFileName, RefusesWhatLeadsElsewhere) {
