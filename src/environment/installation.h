@@ -11,6 +11,8 @@ namespace txs {
 inline constexpr char kVendorKey[] = "Software\\ORBEKA GmbH";
 inline constexpr char kStudioKey[] = "Software\\ORBEKA GmbH\\Tavix\\4.0";
 inline constexpr char kProjectsKey[] = "Software\\ORBEKA GmbH\\Tavix\\4.0\\Projects";
+// Value of kStudioKey: the class of the studio's ProjectConfigurator component, its name or {...}.
+inline constexpr char kConfiguratorValue[] = "ProjectConfigurator";
 inline constexpr char kWizardKey[] = "Software\\ORBEKA GmbH\\Tavix\\4.0\\TX4SetupWizard";
 
 struct InstallationSettings {

@@ -41,8 +41,9 @@ class OwnedPlatform {
   [[nodiscard]] virtual Platform& Get() = 0;
 };
 
-// On Linux the studio's computer is the folder TAVIX_ROOT (docs/formats/registry-file.md). Throws
-// RuntimeError when the registry file exists and cannot be read.
+// On Windows this computer. On Linux the studio's computer is the folder TAVIX_ROOT
+// (docs/formats/registry-file.md); throws RuntimeError when the registry file exists and cannot be
+// read.
 [[nodiscard]] std::unique_ptr<OwnedPlatform> MakeHostPlatform(MessageBoxes& message_boxes);
 
 }  // namespace txs

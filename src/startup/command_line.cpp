@@ -1,5 +1,6 @@
 #include "startup/command_line.h"
 
+#include <algorithm>
 #include <array>
 
 #include "environment/windows_path.h"
@@ -53,6 +54,18 @@ std::string JoinArguments(int argc, const char* const* argv) {
     line += argv[i];
   }
   return line;
+}
+
+std::string UnquoteSwitch(std::string_view text) {
+  const std::string_view line = TrimSpaces(text);
+  if (line.size() >= 2 && line.front() == '"' && line.back() == '"') {
+    const std::string_view inside = line.substr(1, line.size() - 2);
+    const bool is_switch = std::ranges::any_of(
+        kUnattendedSwitches,
+        [&](std::string_view unattended) { return inside.starts_with(unattended); });
+    if (is_switch && inside.find('"') == std::string_view::npos) return std::string(inside);
+  }
+  return std::string(text);
 }
 
 std::string StripQuotes(std::string_view text) {

@@ -25,6 +25,11 @@ struct CommandLine {
 // The command line of Windows is one text; here the arguments are joined by blanks.
 [[nodiscard]] std::string JoinArguments(int argc, const char* const* argv);
 
+// A command line as Windows hands it over, when a program and not a person typed it: many put an
+// argument with blanks into quotes as a whole ("/c=C:\Demo Süd\Demo.txs"). Quotes around one of the
+// four unattended switches and what follows it are removed; any other text stays as it is.
+[[nodiscard]] std::string UnquoteSwitch(std::string_view text);
+
 // `StripQuotes`: a leading double quote is removed, and only then a trailing one.
 [[nodiscard]] std::string StripQuotes(std::string_view text);
 

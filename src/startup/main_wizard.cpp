@@ -30,12 +30,13 @@ int RunProgram(const std::string& command_line, txs::MessageBoxes& boxes,
 }  // namespace
 
 int main(int argc, char** argv) {
+  const txs::Utf8Console utf8_console;
   txs::ConsoleMessageBoxes console(std::cerr, txs::kApplicationTitle);
   txs::WindowModule module([] { return txs::OpenWindowModule(txs::kApplicationTitle); });
   txs::DisplayMessageBoxes boxes(console, module);
   std::string command_line;
   try {
-    command_line = txs::JoinArguments(argc, argv);
+    command_line = txs::CommandLineText(argc, argv);
     return RunProgram(command_line, boxes, module);
   } catch (const std::exception& error) {
     // The registry cannot be read, or memory ran out before there was anything to work on. In which

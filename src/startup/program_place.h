@@ -1,7 +1,9 @@
-// Where the running program stands.
+// The running program: where it stands, how it was called, and what its console shows.
 #pragma once
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "environment/system_tools.h"
 
@@ -14,5 +16,24 @@ inline constexpr char kApplicationTitle[] = "TavixStudio - Setup Wizard";
 
 // What SystemTools is told about this program.
 [[nodiscard]] ApplicationInfo ThisApplication();
+
+// What stands behind the program's name on its command line, in UTF-8: on Windows, where that is
+// one text, as it was typed; elsewhere the arguments joined by blanks.
+[[nodiscard]] std::string CommandLineText(int argc, const char* const* argv);
+
+// The arguments behind the program's name, in UTF-8.
+[[nodiscard]] std::vector<std::string> CommandLineArguments(int argc, const char* const* argv);
+
+// As long as it lives, the console shows as UTF-8 what the program writes.
+class Utf8Console {
+ public:
+  Utf8Console();
+  ~Utf8Console();
+  Utf8Console(const Utf8Console&) = delete;
+  Utf8Console& operator=(const Utf8Console&) = delete;
+
+ private:
+  unsigned code_page_before_ = 0;
+};
 
 }  // namespace txs

@@ -2,6 +2,7 @@
 #include <string>
 #include <system_error>
 
+#include "startup/command_line.h"
 #include "startup/program_place.h"
 
 namespace txs {
@@ -24,5 +25,15 @@ ApplicationInfo ThisApplication() {
   info.title = kApplicationTitle;
   return info;
 }
+
+std::string CommandLineText(int argc, const char* const* argv) { return JoinArguments(argc, argv); }
+
+std::vector<std::string> CommandLineArguments(int argc, const char* const* argv) {
+  return {argv + 1, argv + argc};
+}
+
+// The terminals of Linux show UTF-8.
+Utf8Console::Utf8Console() = default;
+Utf8Console::~Utf8Console() = default;
 
 }  // namespace txs

@@ -1,15 +1,14 @@
 // TXSetupTool.
 #include <unistd.h>
 
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "environment/file_system_host.h"
 #include "environment/platform.h"
+#include "environment/runtime_error.h"
 #include "startup/console_message_boxes.h"
 #include "startup/program_place.h"
 #include "tool/commands.h"
@@ -28,11 +27,15 @@ class LazyPlatform {
   }
 
   std::optional<std::string> WindowsPath(const std::string& host_path) {
-    std::error_code none;
-    if (!std::filesystem::exists(host_path, none)) return std::nullopt;
-    const auto* const files = dynamic_cast<const txs::HostFileSystem*>(&Get().files);
-    if (files == nullptr) return std::nullopt;
-    return files->WindowsPath(host_path);
+    try {
+      const txs::Platform& platform = Get();
+      std::string path = platform.host_paths.WindowsPath(host_path);
+      const bool is_there = platform.files.FileExists(path) || platform.files.FolderExists(path);
+      if (is_there) return path;
+    } catch (const txs::RuntimeError&) {
+      // No path of this computer.
+    }
+    return std::nullopt;
   }
 
  private:
@@ -43,6 +46,7 @@ class LazyPlatform {
 }  // namespace
 
 int main(int argc, char** argv) {
+  const txs::Utf8Console utf8_console;
   LazyPlatform platform;
   txs::ToolContext context{
       .out = std::cout,
@@ -51,5 +55,5 @@ int main(int argc, char** argv) {
       .version = TXS_VERSION,
       .platform = [&platform]() -> txs::Platform& { return platform.Get(); },
       .windows_path = [&platform](const std::string& path) { return platform.WindowsPath(path); }};
-  return txs::RunTool(std::vector<std::string>(argv + 1, argv + argc), context);
+  return txs::RunTool(txs::CommandLineArguments(argc, argv), context);
 }

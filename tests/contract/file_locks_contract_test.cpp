@@ -4,13 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <memory>
 
-#include "environment/file_locks_host.h"
-#include "environment/file_system_host.h"
+#include "contract/real_worlds.h"
 #include "fakes/memory_file_locks.h"
-#include "fakes/temp_folder.h"
 
 namespace txs {
 namespace {
@@ -21,14 +18,6 @@ struct MemoryWorld {
   MemoryFileLocks locks;
 };
 
-struct HostWorld {
-  TempFolder root;
-  HostFileSystem files{root.Path().string()};
-  HostFileLocks locks{files};
-
-  HostWorld() { std::filesystem::create_directories(root.Path() / "drive_c" / "Demo"); }
-};
-
 template <typename World>
 class FileLocksContract : public testing::Test {
  protected:
@@ -36,7 +25,7 @@ class FileLocksContract : public testing::Test {
   FileLocks& locks = world.locks;
 };
 
-using Worlds = testing::Types<MemoryWorld, HostWorld>;
+using Worlds = testing::Types<MemoryWorld, RealLocksWorld>;
 TYPED_TEST_SUITE(FileLocksContract, Worlds);
 
 TYPED_TEST(FileLocksContract, ALockIsHeldByOneOnly) {

@@ -6,13 +6,11 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <string>
 
-#include "environment/file_system_host.h"
+#include "contract/real_worlds.h"
 #include "environment/runtime_error.h"
 #include "fakes/memory_file_system.h"
-#include "fakes/temp_folder.h"
 
 namespace txs {
 namespace {
@@ -22,16 +20,6 @@ struct MemoryWorld {
 
   MemoryWorld() { files.AddFolder("C:\\Demo"); }
   void SetReadOnly(const std::string& path) { files.SetReadOnly(path, /*read_only=*/true); }
-};
-
-struct HostWorld {
-  TempFolder root;
-  HostFileSystem files{root.Path().string()};
-
-  HostWorld() { std::filesystem::create_directories(root.Path() / "drive_c" / "Demo"); }
-  void SetReadOnly(const std::string& path) {
-    std::filesystem::permissions(files.HostPath(path), std::filesystem::perms::owner_read);
-  }
 };
 
 template <typename World>
@@ -66,7 +54,7 @@ class FileSystemContract : public testing::Test {
   }
 };
 
-using Worlds = testing::Types<MemoryWorld, HostWorld>;
+using Worlds = testing::Types<MemoryWorld, RealFileSystemWorld>;
 TYPED_TEST_SUITE(FileSystemContract, Worlds);
 
 TYPED_TEST(FileSystemContract, AFileIsReadBackAsItWasWritten) {

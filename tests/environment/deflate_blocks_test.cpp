@@ -27,7 +27,7 @@ std::string Deflated(const std::string& bytes, int level) {
 std::string DeflatedWithFixedCodes(const std::string& bytes) {
   z_stream stream = {};
   EXPECT_EQ(deflateInit2(&stream, 6, Z_DEFLATED, -15, 9, Z_FIXED), Z_OK);
-  std::string packed(deflateBound(&stream, bytes.size()), '\0');
+  std::string packed(deflateBound(&stream, static_cast<uLong>(bytes.size())), '\0');
   stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
   stream.avail_in = static_cast<uInt>(bytes.size());
   stream.next_out = reinterpret_cast<Bytef*>(packed.data());

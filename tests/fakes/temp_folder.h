@@ -1,20 +1,14 @@
 // A folder of the host that goes when the test ends.
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
-#include <stdexcept>
-#include <string>
 
 namespace txs {
 
 class TempFolder {
  public:
-  TempFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "txs-test-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    path_ = pattern;
-  }
+  // Throws when none can be made.
+  TempFolder();
   ~TempFolder() {
     std::error_code ignored;
     std::filesystem::remove_all(path_, ignored);

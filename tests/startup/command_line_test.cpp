@@ -120,5 +120,17 @@ TEST(JoinArguments, PutsOneBlankBetween) {
   EXPECT_EQ(JoinArguments(0, argv.data()), "");
 }
 
+TEST(UnquoteSwitch, RemovesTheQuotesAroundAWholeSwitch) {
+  EXPECT_EQ(UnquoteSwitch("\"/c=C:\\Demo Süd\\Demo.txs\""), "/c=C:\\Demo Süd\\Demo.txs");
+  EXPECT_EQ(UnquoteSwitch(" \"-C=Demo\" "), "-C=Demo");
+}
+
+TEST(UnquoteSwitch, LeavesEveryOtherTextAsItIs) {
+  for (const char* text : {"", "\"", "\"\"", "/c=\"C:\\a b\"", "\"C:\\a b\"", "\"-x=Demo\"",
+                           "\"/c=Demo", "\"/c=a\" \"b\"", " Demo "}) {
+    EXPECT_EQ(UnquoteSwitch(text), text);
+  }
+}
+
 }  // namespace
 }  // namespace txs

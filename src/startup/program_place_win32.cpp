@@ -1,0 +1,64 @@
+#include <windows.h>
+// After <windows.h>.
+#include <shellapi.h>
+
+#include <string>
+
+#include "environment/windows_calls_win32.h"
+#include "startup/command_line.h"
+#include "startup/program_place.h"
+
+namespace txs {
+namespace {
+
+std::filesystem::path ProgramFile() {
+  std::wstring path(MAX_PATH, L'\0');
+  for (;;) {
+    const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    if (length < path.size()) {
+      path.resize(length);
+      return path;
+    }
+    path.resize(path.size() * 2);
+  }
+}
+
+}  // namespace
+
+std::filesystem::path ProgramDirectory() { return ProgramFile().parent_path(); }
+
+ApplicationInfo ThisApplication() {
+  ApplicationInfo info;
+  info.directory = ToUtf8(ProgramDirectory().native());
+  while (info.directory.ends_with('\\')) info.directory.pop_back();
+  info.executable_name = ToUtf8(ProgramFile().stem().native());
+  info.title = kApplicationTitle;
+  return info;
+}
+
+std::string CommandLineText(int /*argc*/, const char* const* /*argv*/) {
+  const std::wstring_view line = GetCommandLineW();
+  const bool is_quoted = line.starts_with(L'"');
+  const std::size_t end = is_quoted ? line.find(L'"', 1) : line.find_first_of(L" \t");
+  if (end == std::wstring_view::npos) return {};
+  return UnquoteSwitch(ToUtf8(line.substr(end + 1)));
+}
+
+std::vector<std::string> CommandLineArguments(int /*argc*/, const char* const* /*argv*/) {
+  int count = 0;
+  wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<std::string> arguments;
+  for (int i = 1; i < count; ++i) arguments.push_back(ToUtf8(wide[i]));
+  LocalFree(wide);
+  return arguments;
+}
+
+Utf8Console::Utf8Console() : code_page_before_(GetConsoleOutputCP()) {
+  SetConsoleOutputCP(CP_UTF8);
+}
+
+Utf8Console::~Utf8Console() {
+  if (code_page_before_ != 0) SetConsoleOutputCP(code_page_before_);
+}
+
+}  // namespace txs
