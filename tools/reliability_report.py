@@ -36,7 +36,8 @@ def run_tests(build):
 def table(figures, results, build):
     day = datetime.date.today().isoformat()
     skipped = [name for name, result in results.items() if result == "Skipped"]
-    text = f"Last run: {day}, build `{build.name}`, {len(results)} tests, {len(skipped)} skipped.\n\n"
+    kind = re.search(r"^CMAKE_BUILD_TYPE:\w+=(.*)$", (build / "CMakeCache.txt").read_text(), re.M)[1]
+    text = f"Last run: {day}, build type {kind}, {len(results)} tests, {len(skipped)} skipped.\n\n"
     text += "| tried | how often | by |\n|---|---:|---|\n"
     for test, what, count in figures:
         text += f"| {what} | {count:,} | `{test}` |\n"
