@@ -65,7 +65,7 @@ class Buffer {
 
 class Bench {
  public:
-  explicit Bench(std::string folder)
+  explicit Bench(const std::string& folder)
       : temporary_(folder + "/archive.tmp"),
         target_(folder + "/archive.zip"),
         compressor_(libdeflate_alloc_compressor(kLevel)) {}
