@@ -534,7 +534,12 @@ std::vector<FileEntry> WindowsFileSystem::List(std::string_view folder,
   for (; search.IsOpen(); search.Next()) {
     const std::string name = ToUtf8(search.Entry().cFileName);
     if (!IsUtf8(name) || !MatchesWildcard(name, pattern)) continue;
-    found.push_back({FoldCase(name), {name, IsFolder(search.Entry().dwFileAttributes)}});
+    const DWORD attributes = search.Entry().dwFileAttributes;
+    // Files that a cloud service keeps are reparse points too, and lead nowhere else. Wine tells no
+    // tag.
+    const DWORD tag = search.Entry().dwReserved0;
+    const bool is_link = IsLink(attributes) && (tag == 0 || IsReparseTagNameSurrogate(tag));
+    found.push_back({FoldCase(name), {name, IsFolder(attributes), is_link}});
   }
   // The root of an empty drive has not even "." in it.
   if (search.Error() != ERROR_NO_MORE_FILES && search.Error() != ERROR_FILE_NOT_FOUND) {

@@ -205,6 +205,8 @@ TEST_F(WindowsFileSystemTest, WhatAJunctionPointsToIsNeverDeleted) {
   const Junction made = MakeJunction(At("tree\\in"), At("precious"));
   ASSERT_NE(made, Junction::kNone);
   ASSERT_TRUE(files.FileExists(At("tree\\in\\x")));
+  EXPECT_TRUE(files.List(At("tree"), "*").front().is_link);
+  EXPECT_FALSE(files.List(At(""), "precious").front().is_link);
 
   const ErrorNumber number = NumberOf([&] { files.RemoveTree(At("tree")); });
 
