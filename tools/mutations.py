@@ -106,6 +106,22 @@ MUTATIONS = [
         "return !value.empty() && value.front() == value.back() &&",
         ("environment_test",),
     ),
+    Mutation(
+        "registry fallback",
+        "what a 64-bit computer keeps in the other view of its registry is not found",
+        "src/environment/registry_host.cpp",
+        "if (std::optional<RegistryValue> value = file.Value(place, name)) return value;",
+        "return file.Value(place, name);",
+        ("contract_test",),
+    ),
+    Mutation(
+        "registry lock",
+        "two programs that write the registry file at once lose one's changes",
+        "src/environment/registry_host.cpp",
+        "LOCK_EX | LOCK_NB",
+        "LOCK_SH | LOCK_NB",
+        ("contract_test",),
+    ),
 ]
 
 
