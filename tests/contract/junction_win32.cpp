@@ -45,7 +45,8 @@ bool LinkOnHost(const std::wstring& path, const std::wstring& target) {
       GetProcAddress(GetModuleHandleW(L"kernel32"), "wine_get_unix_file_name")));
   if (host_name == nullptr) return false;
   char* const from = host_name(target.c_str());
-  char* const folder = host_name(path.substr(0, path.rfind(L'\\')).c_str());
+  const std::wstring parent = path.substr(0, path.rfind(L'\\'));
+  char* const folder = host_name(parent.c_str());
   if (from == nullptr || folder == nullptr) return false;
   const std::string link = std::string(folder) + "/" + ToUtf8(path.substr(path.rfind(L'\\') + 1));
   std::wstring command = ToWide("/bin/ln -s \"" + std::string(from) + "\" \"" + link + "\"");
