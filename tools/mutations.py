@@ -122,6 +122,46 @@ MUTATIONS = [
         "LOCK_SH | LOCK_NB",
         ("contract_test",),
     ),
+    Mutation(
+        "version of a type library",
+        "the library in just the version that is asked for is not taken where only a newer would do",
+        "src/scan/type_libraries.cpp",
+        "offered->minor_part >= wanted->minor_part;",
+        "offered->minor_part > wanted->minor_part;",
+        ("scan_test",),
+    ),
+    Mutation(
+        "day of a runtime setup",
+        "a file that the runtime setup brings along is packed a second time",
+        "src/scan/predefined_setups.cpp",
+        "last_write.day} <= found->second;",
+        "last_write.day} < found->second;",
+        ("scan_test",),
+    ),
+    Mutation(
+        "cycle of dependencies",
+        "files that need each other make Scan run without end",
+        "src/scan/dependency_resolution.cpp",
+        "  this_source = true;\n",
+        "",
+        ("scan_test",),
+    ),
+    Mutation(
+        "changed flag",
+        "closing after an edit does not ask, and the edit is lost",
+        "src/ui/setup_wizard_presenter.cpp",
+        "    field = text;\n    application_.document.changed = true;\n",
+        "    field = text;\n",
+        ("ui_test",),
+    ),
+    Mutation(
+        "exit code",
+        "a build server takes an installation that was not finished for a success",
+        "src/startup/start_routine.cpp",
+        "RunCreate(application, view).succeeded ? kExitNormal : kExitCreateFailed;",
+        "RunCreate(application, view).succeeded ? kExitNormal : kExitNormal;",
+        ("startup_test",),
+    ),
 ]
 
 
