@@ -6,6 +6,8 @@
 #   ./test.sh sanitize    the tests under the address and undefined-behaviour sanitizers, and how
 #                         much of src/ without the windows they run
 #   ./test.sh core        without wxWidgets
+#   ./test.sh windows     the Windows programs: cross-built for x86 and x64, the tests of the latter
+#                         under Wine; the first time it also builds their libraries
 #   ./test.sh analysis    clang-tidy and cppcheck over the sources; builds nothing
 set -eu
 cd "$(dirname "$0")"
@@ -14,19 +16,39 @@ preset=${1:-ci}
 case $preset in
   ci) groups='build ui test display package' ;;
   core | sanitize) groups='build test' ;;
+  windows)
+    groups='build test display package windows'
+    preset=windows-x64
+    ;;
   analysis) groups='build ui test analysis' ;;
   -h | --help)
     sed -n '2,/^set/{/^set/d;s/^# \{0,1\}//;p}' "$0"
     exit 0
     ;;
   *)
-    echo "$0: '$preset' is not ci, core, sanitize or analysis" >&2
+    echo "$0: '$preset' is not ci, core, sanitize, windows or analysis" >&2
     exit 2
     ;;
 esac
 
 # shellcheck disable=SC2086 # one word per group
 tools/install_packages.sh $groups
+
+set --
+if [ "$preset" = windows-x64 ]; then
+  programs='TXSetupWizard TXSetupTool'
+  cmake/build_windows_libraries.sh x86_64
+  cmake/build_windows_libraries.sh i686
+  echo "== Building (the programs of this machine, to compare with, and those of preset windows-x86)"
+  mkdir -p build
+  cmake --preset core -B build/windows-host -D TXS_TESTS=OFF -D TXS_BENCHMARKS=OFF > /dev/null
+  # shellcheck disable=SC2086 # one word per program
+  cmake --build build/windows-host --target $programs make_sample_binaries
+  cmake --preset windows-x86 -D TXS_TESTS=OFF -D TXS_WARNINGS_AS_ERRORS=ON > /dev/null
+  # shellcheck disable=SC2086 # one word per program
+  cmake --build --preset windows-x86 --target $programs
+  set -- -D "TXS_HOST_BUILD=$PWD/build/windows-host" -D "TXS_X86_BUILD=$PWD/build/windows-x86"
+fi
 
 # Analysis asks preset ci only for the compiler's options.
 configured=$preset
@@ -36,12 +58,14 @@ if [ "$preset" = sanitize ]; then coverage=ON; fi
 build=build/$configured
 mkdir -p build
 echo "== Building (preset $configured)"
-cmake --preset "$configured" -D TXS_WARNINGS_AS_ERRORS=ON -D TXS_COVERAGE=$coverage \
+cmake --preset "$configured" -D TXS_WARNINGS_AS_ERRORS=ON -D TXS_COVERAGE=$coverage "$@" \
   > "$build.configure.log" 2>&1 || {
   cat "$build.configure.log" >&2
   exit 1
 }
-if [ "$preset" != analysis ]; then
+if [ "$preset" = windows-x64 ]; then
+  cmake --build --preset "$preset"
+elif [ "$preset" != analysis ]; then
   cmake --build --preset "$preset" --target all all_verify_interface_header_sets
 fi
 
@@ -81,6 +105,11 @@ if [ "$preset" = ci ]; then
   run_check words tools/check_words.sh
   run_check format format_check
   run_check package tests/package/deb_test.sh "$build"
+fi
+
+if [ "$preset" = windows-x64 ]; then
+  run_check package-x86 tests/package/zip_test.sh build/windows-x86
+  run_check package-x64 tests/package/zip_test.sh "$build" "$PWD/cmake/run_under_wine.sh"
 fi
 
 echo "== Tests"

@@ -39,7 +39,7 @@ class Placer {
         disk_directory_(state.first_disk_directory),
         total_count_(total_count),
         total_bytes_(total_bytes) {
-    placed_names_.reserve(total_count);
+    placed_names_.reserve(static_cast<std::size_t>(total_count));
   }
 
   void Begin() {

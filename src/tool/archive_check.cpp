@@ -206,9 +206,10 @@ struct Directory {
 std::uint64_t FindEndRecord(JoinedPieces& archive) {
   const std::uint64_t length = archive.Length();
   if (length < kEndBytes) Fail("too short for an archive");
-  const std::uint64_t searched = std::min(length, kEndBytes + kLongestComment);
+  const auto searched =
+      static_cast<std::size_t>(std::min<std::uint64_t>(length, kEndBytes + kLongestComment));
   const std::vector<std::byte> tail = ReadBytes(archive, length - searched, searched);
-  for (std::size_t at = tail.size() - kEndBytes + 1; at > 0; --at) {
+  for (auto at = tail.size() - static_cast<std::size_t>(kEndBytes) + 1; at > 0; --at) {
     const std::span<const std::byte> record = std::span(tail).subspan(at - 1);
     Fields fields(record);
     if (fields.U32() != kEndSignature) continue;

@@ -139,7 +139,7 @@ void FileGrid::AddColumns() {
   for (const ColumnStyle& style : kColumns) {
     auto* const renderer = new wxDataViewTextRenderer(
         "string", style.editable ? wxDATAVIEW_CELL_EDITABLE : wxDATAVIEW_CELL_INERT,
-        style.alignment);
+        style.alignment | wxALIGN_CENTRE_VERTICAL);
     renderer->EnableEllipsize(style.ellipsis);
     TakeEditsWhenLeft(*renderer);
     // A click must select a row, never open an editor in which the Delete key would then work on

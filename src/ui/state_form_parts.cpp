@@ -33,6 +33,8 @@ wxSize RoomFor(const wxStaticText& label) {
   // An empty line is as high as one with text.
   wxSize room = label.GetTextExtent(text.empty() ? wxString("A") : text);
   if (text.empty()) room.SetWidth(0);
+  // Windows puts a pixel below the text, for the sake of its base line.
+  room.IncTo(wxSize(0, label.GetBestSize().GetHeight()));
   // Rounding, and letters that lean out.
   return room + label.FromDIP(wxSize(2, 0));
 }

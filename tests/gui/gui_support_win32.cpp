@@ -4,6 +4,7 @@
 #include <commctrl.h>
 #include <oleacc.h>
 #include <wx/dataview.h>
+#include <wx/image.h>
 
 #include <array>
 #include <iterator>
@@ -77,7 +78,10 @@ std::string NameOfFocus(wxTopLevelWindow& /*form*/) {
 void ForgetPictureOfScreen(void* /*cairo_context*/) {}
 
 bool SavePicture(const wxBitmap& picture, const std::string& path) {
-  return picture.SaveFile(wxString::FromUTF8(path + ".bmp"), wxBITMAP_TYPE_BMP);
+  wxImage image = picture.ConvertToImage();
+  // What Windows draws without transparency is not marked as opaque.
+  image.ClearAlpha();
+  return image.SaveFile(wxString::FromUTF8(path + ".bmp"), wxBITMAP_TYPE_BMP);
 }
 
 }  // namespace txs

@@ -33,13 +33,5 @@ TEST(WindowModule, IsNotTriedAgainAfterAFault) {
   EXPECT_EQ(opened.reason, "no such library");
 }
 
-// This test program stands in a folder without the module.
-TEST(OpenWindowModule, NamesAMissingModuleBeforeAMissingDisplay) {
-  const OpenedWindows opened = OpenWindowModule("title");
-
-  EXPECT_EQ(opened.windows, nullptr);
-  EXPECT_EQ(opened.fault, WindowFault::kNoModule);
-}
-
 }  // namespace
 }  // namespace txs
