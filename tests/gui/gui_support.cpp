@@ -5,6 +5,7 @@
 #include <wx/dcmemory.h>
 #include <wx/dcscreen.h>
 #include <wx/evtloop.h>
+#include <wx/scrolwin.h>
 #include <wx/stattext.h>
 #include <wx/uiaction.h>
 #include <wx/utils.h>
@@ -14,16 +15,17 @@
 #include <stdexcept>
 
 #include "gui/picture_file.h"
+#include "ui/wx_text.h"
 
 namespace txs {
 namespace {
 
 constexpr int kPauseMilliseconds = 5;
 
-// The pointer of an earlier test must not lie over the next form's controls.
+// Each action has a simulator of its own: its end waits until the window system has done what was
+// asked, so that what comes of it can be read at once. One for all would not.
 void Move(const wxPoint& on_screen) {
-  wxUIActionSimulator simulator;
-  simulator.MouseMove(on_screen);
+  wxUIActionSimulator().MouseMove(on_screen);
   WaitFor([&] { return wxGetMousePosition() == on_screen; }, 2);
 }
 
@@ -40,7 +42,9 @@ void CollectClipped(wxWindow& window, std::string& names) {
     if (!child->IsShown() || child->IsTopLevel()) continue;
     const wxSize needed = NeededSize(*child);
     const wxSize has = child->GetSize();
-    const wxSize room = window.GetClientSize();
+    // A pane that scrolls has room for whatever it holds.
+    auto* const pane = dynamic_cast<wxScrolledWindow*>(&window);
+    const wxSize room = pane != nullptr ? pane->GetVirtualSize() : window.GetClientSize();
     const wxPoint at = child->GetPosition();
     // Scrolled controls ask for more than they need; labels and buttons do not.
     const bool shows_text =
@@ -98,11 +102,26 @@ bool WaitFor(const std::function<bool()>& condition, double seconds) {
   }
 }
 
+bool WaitUntilSettled(wxTopLevelWindow& form, wxWindow& part) {
+  constexpr double kPatienceSeconds = 10;
+  const auto end =
+      std::chrono::steady_clock::now() + std::chrono::duration<double>(kPatienceSeconds);
+  wxRect before;
+  while (std::chrono::steady_clock::now() < end) {
+    // Each of the two may take a moment, in which the other may change.
+    if (!WaitFor([&] { return IsInPlace(form); }) || !WaitForFrame(form)) return false;
+    const wxRect at = part.GetScreenRect();
+    if (at == before && IsInPlace(form)) return true;
+    before = at;
+  }
+  return false;
+}
+
 void ShowAndActivate(wxTopLevelWindow& form) {
   form.Show();
   form.Raise();
-  EXPECT_TRUE(
-      WaitFor([&] { return form.IsShownOnScreen() && form.IsActive() && IsInPlace(form); }));
+  EXPECT_TRUE(WaitFor([&] { return form.IsShownOnScreen() && form.IsActive(); }));
+  EXPECT_TRUE(WaitUntilSettled(form, form));
 }
 
 wxWindow* FindControl(wxWindow& form, const std::string& name) {
@@ -113,33 +132,33 @@ wxWindow* FindControl(wxWindow& form, const std::string& name) {
 }
 
 void Click(wxWindow& window) {
+  auto* const form = dynamic_cast<wxTopLevelWindow*>(wxGetTopLevelParent(&window));
+  ASSERT_NE(form, nullptr);
+  EXPECT_TRUE(WaitUntilSettled(*form, window))
+      << FromWx(window.GetName()) << " never comes to rest";
   const wxRect at = window.GetScreenRect();
   ClickAt(wxPoint(at.x + at.width / 2, at.y + at.height / 2));
 }
 
 void ClickAt(const wxPoint& on_screen) {
   Move(on_screen);
-  wxUIActionSimulator simulator;
-  simulator.MouseClick();
+  wxUIActionSimulator().MouseClick();
   LetEventsRun();
 }
 
 void DoubleClickAt(const wxPoint& on_screen) {
   Move(on_screen);
-  wxUIActionSimulator simulator;
-  simulator.MouseDblClick();
+  wxUIActionSimulator().MouseDblClick();
   LetEventsRun();
 }
 
 void PressKey(int key_code, int modifiers) {
-  wxUIActionSimulator simulator;
-  simulator.Char(key_code, modifiers);
+  wxUIActionSimulator().Char(key_code, modifiers);
   LetEventsRun();
 }
 
 void TypeText(const std::string& ascii) {
-  wxUIActionSimulator simulator;
-  simulator.Text(ascii.c_str());
+  wxUIActionSimulator().Text(ascii.c_str());
   LetEventsRun();
 }
 
@@ -150,8 +169,8 @@ int WhileModal(wxDialog& dialog, const std::function<int()>& show,
   dialog.CallAfter([&] {
     if (acted) return;
     acted = true;
-    EXPECT_TRUE(
-        WaitFor([&] { return dialog.IsModal() && dialog.IsActive() && IsInPlace(dialog); }));
+    EXPECT_TRUE(WaitFor([&] { return dialog.IsModal() && dialog.IsActive(); }));
+    EXPECT_TRUE(WaitUntilSettled(dialog, dialog));
     action();
   });
   const int result = show();

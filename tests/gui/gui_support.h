@@ -53,6 +53,15 @@ void ShowAndActivate(wxTopLevelWindow& form);
 // frame.
 bool IsInPlace(wxTopLevelWindow& form);
 
+// Handles events until the form has been laid out and painted once more; false when that does not
+// come to pass within a few seconds, as for a form that is not on the screen.
+bool WaitForFrame(wxTopLevelWindow& form);
+
+// Waits until the form is in place and `part` of it stands where it will stay: what has just been
+// shown or resized moves its controls only when the window system has answered and the toolkit has
+// laid them out anew. False when it never does.
+bool WaitUntilSettled(wxTopLevelWindow& form, wxWindow& part);
+
 // The control of that name below `form`; fails the test when there is none or it is of another
 // type.
 wxWindow* FindControl(wxWindow& form, const std::string& name);
@@ -63,7 +72,8 @@ ControlType& Control(wxWindow& form, const std::string& name) {
   return *control;
 }
 
-// Moves the real pointer and presses the left button.
+// Moves the real pointer and presses the left button. A window is clicked in its middle, once it
+// stands still.
 void Click(wxWindow& window);
 void ClickAt(const wxPoint& on_screen);
 void DoubleClickAt(const wxPoint& on_screen);

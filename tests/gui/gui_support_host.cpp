@@ -23,6 +23,8 @@ void FindLabelText(GtkWidget* widget, gpointer found) {
   }
 }
 
+void NotePaint(GdkFrameClock* /*clock*/, gpointer painted) { *static_cast<bool*>(painted) = true; }
+
 }  // namespace
 
 bool IsInPlace(wxTopLevelWindow& form) {
@@ -50,6 +52,19 @@ bool IsInPlace(wxTopLevelWindow& form) {
   return form.GetPosition() == origin - wxPoint(pixels(0), pixels(2)) &&
          form.GetSize() ==
              wxSize(inner.width + pixels(0) + pixels(1), inner.height + pixels(2) + pixels(3));
+}
+
+bool WaitForFrame(wxTopLevelWindow& form) {
+  constexpr double kPatienceSeconds = 5;
+  GdkFrameClock* const clock = gtk_widget_get_frame_clock(form.GetHandle());
+  if (clock == nullptr) return false;
+  bool painted = false;
+  const gulong handler = g_signal_connect(clock, "after-paint", G_CALLBACK(NotePaint), &painted);
+  // A layout that is pending comes before the painting of the same frame.
+  gdk_frame_clock_request_phase(clock, GDK_FRAME_CLOCK_PHASE_AFTER_PAINT);
+  const bool in_time = WaitFor([&painted] { return painted; }, kPatienceSeconds);
+  g_signal_handler_disconnect(clock, handler);
+  return in_time;
 }
 
 std::string ShownTooltip() {

@@ -55,6 +55,13 @@ BOOL CALLBACK FindTooltip(HWND window, LPARAM found) {
 // Windows gives a window its frame and its place at once.
 bool IsInPlace(wxTopLevelWindow& form) { return form.IsShownOnScreen(); }
 
+// Nor does it put off a layout.
+bool WaitForFrame(wxTopLevelWindow& form) {
+  LetEventsRun();
+  form.Update();
+  return form.IsShownOnScreen();
+}
+
 std::string ShownTooltip() {
   std::string text;
   EnumThreadWindows(GetCurrentThreadId(), FindTooltip, reinterpret_cast<LPARAM>(&text));
