@@ -80,10 +80,16 @@ void StateForm::AddStages(long frame_id, const std::vector<long>& stage_ids) {
   wxStaticBox* const box = lines->GetStaticBox();
   box->SetName("fraState");
   captions_.Add(*box, frame_id);
+  stage_list_ = new wxPanel(box);
+  stage_list_->SetName("picState");
+  SetAccessibleName(*stage_list_, ToWx(Texts().GetText(frame_id)));
+  auto* const rows = new wxBoxSizer(wxVERTICAL);
   for (std::size_t i = 0; i < stage_ids.size(); ++i) {
-    stages_.emplace_back(box, *lines, i, Texts());
+    stages_.emplace_back(stage_list_, *rows, i, Texts());
     captions_.Add(stages_.back().Label(), stage_ids[i]);
   }
+  stage_list_->SetSizer(rows);
+  lines->Add(stage_list_, wxSizerFlags().Expand());
   lines->AddSpacer(FromDIP(kSmallGap));
   column_->Add(lines, wxSizerFlags().Expand());
 }
@@ -190,7 +196,8 @@ void StateForm::BeginRun() {
     Show();
   }
   Raise();
-  cancel_->SetFocus();
+  // Not Cancel: an Enter too soon after a message, or one too many, would end the run.
+  stage_list_->SetFocus();
   pace_.Start();
   Settle();
   LetWindowEventsRun();

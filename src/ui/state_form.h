@@ -5,6 +5,7 @@
 #include <wx/button.h>
 #include <wx/dialog.h>
 #include <wx/evtloop.h>
+#include <wx/panel.h>
 #include <wx/sizer.h>
 #include <wx/statbmp.h>
 #include <wx/stattext.h>
@@ -25,8 +26,8 @@
 
 namespace txs {
 
-// Hidden until BeginRun. While the run lasts it refuses to be closed: Esc and Enter press Cancel;
-// afterwards both, and the close box, do what OK does.
+// Hidden until BeginRun. While the run lasts it refuses to be closed; Esc presses Cancel, Enter does
+// nothing unless the user has moved to Cancel. Afterwards both, and the close box, do what OK does.
 class StateForm : public wxDialog {
  public:
   ~StateForm() override;
@@ -87,6 +88,7 @@ class StateForm : public wxDialog {
   const Application& application_;
   long failed_id_;
   FormCaptions captions_;
+  wxPanel* stage_list_ = nullptr;  // has the focus while the run lasts
   std::vector<StageLine> stages_;
   wxBoxSizer* column_;
   wxBoxSizer* report_column_ = nullptr;

@@ -19,13 +19,6 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-constexpr long kGerman = 1031;
-constexpr long kEnglish = 1033;
-
-constexpr char kLongPath[] =
-    "C:\\Program Files\\Common Files\\TavixStudio\\Components of the plant & others\\Version 4.0\\"
-    "Visualisation\\TrendWithAVeryLongName.ocx";
-
 constexpr std::uint64_t kGigabyte = std::uint64_t{1} << 30;
 
 // Presses OK in the Take-note dialog when it is shown. `shown` counts.
@@ -61,6 +54,7 @@ class StateCreate : public StateFormTest<FStateCreate> {
   void End(bool succeeded) {
     form_->End(succeeded, world_.application.texts.GetText(succeeded ? 425 : 424));
   }
+  void LookAtEveryState(const std::string& language);
   ProgressBar& Bar(const std::string& name) { return Control<ProgressBar>(*form_, name); }
 
   GuiWorld world_;
@@ -81,7 +75,7 @@ TEST_F(StateCreate, AppearsWhenTheRunBegins) {
   EXPECT_EQ(Text("lblCountPercent"), "0 / 0");
   EXPECT_EQ(Text("lblSizePercent"), "0 %");
   EXPECT_EQ(Bar("picCount").Filled(), 0);
-  EXPECT_TRUE(Button("cmdCancel").HasFocus());
+  EXPECT_TRUE(FocusIsIn(*FindControl(*form_, "picState")));
   EXPECT_FALSE(Button("cmdOK").IsEnabled());
 }
 
@@ -182,17 +176,8 @@ TEST_F(StateCreate, SaysNothingOfFilesWhenEverythingIsDone) {
 
 TEST_F(StateCreate, RefusesToBeClosedWhileTheRunLasts) {
   Begin();
-  bool refused = false;
-  form_->Bind(wxEVT_CLOSE_WINDOW, [&](wxCloseEvent& event) {
-    refused = true;
-    event.Skip();
-  });
 
-  PressKey(WXK_F4, wxMOD_ALT);
-
-  EXPECT_TRUE(WaitFor([&] { return refused; }));
-  EXPECT_TRUE(form_->IsShown());
-  EXPECT_FALSE(form_->IsCancelPressed());
+  ExpectRefusesToBeClosed();
 }
 
 TEST_F(StateCreate, StartsAfreshWithAnotherRun) {
@@ -328,53 +313,44 @@ TEST_F(StateCreate, ARunInsideAnEventOfTheMainFormIsCancelledToo) {
 
 // --- Both languages
 
-void LookAtEveryState(FStateCreate& form, const TextService& texts, const std::string& language) {
-  form.Begin();
-  form.StageStarted(CreateStage::kDirectories);
-  form.StageEnded(CreateStage::kDirectories, /*succeeded=*/true);
-  form.StageStarted(CreateStage::kCompress);
-  form.ShowAction(texts.GetText(428));
-  form.ShowFile(kLongPath);
-  form.ShowProgress(MakeCreateProgress(3, 17, 42, 100));
-  EXPECT_TRUE(WaitFor([&] {
-    form.LetEventsRun();
-    return form.IsActive();
-  }));
-  EXPECT_EQ(ClippedControls(form), "");
-  TakePicture(form, "state_create_running_" + language);
+void StateCreate::LookAtEveryState(const std::string& language) {
+  const TextService& texts = world_.application.texts;
+  const std::string name = "_" + language;
+  Begin();
+  form_->StageStarted(CreateStage::kDirectories);
+  form_->StageEnded(CreateStage::kDirectories, /*succeeded=*/true);
+  form_->StageStarted(CreateStage::kCompress);
+  form_->ShowAction(texts.GetText(428));
+  form_->ShowFile(kLongPath);
+  form_->ShowProgress(MakeCreateProgress(3, 17, 42, 100));
+  EXPECT_TRUE(BecomesTrueInTheRun([&] { return Text("lblFile") == kLongPath; }));
+  ExpectNothingClipped("state_create_running" + name);
 
   for (const CreateStage stage : {CreateStage::kSetupKit, CreateStage::kDistribute}) {
     // The line that is longest in bold.
-    form.StageStarted(stage);
-    EXPECT_TRUE(WaitFor([&] {
-      form.LetEventsRun();
-      return true;
-    }));
-    EXPECT_EQ(ClippedControls(form), "");
-    form.StageEnded(stage, /*succeeded=*/true);
+    form_->StageStarted(stage);
+    form_->LetEventsRun();
+    EXPECT_EQ(ClippedControls(*form_), "");
+    form_->StageEnded(stage, /*succeeded=*/true);
   }
-  form.StageEnded(CreateStage::kCompress, /*succeeded=*/true);
-  form.StageEnded(CreateStage::kControlFile, /*succeeded=*/true);
-  form.ShowProgress(MakeCreateProgress(17, 17, 100, 100));
-  form.End(/*succeeded=*/true, texts.GetText(425));
-  EXPECT_EQ(ClippedControls(form), "");
-  TakePicture(form, "state_create_done_" + language);
+  form_->StageEnded(CreateStage::kCompress, /*succeeded=*/true);
+  form_->StageEnded(CreateStage::kControlFile, /*succeeded=*/true);
+  form_->ShowProgress(MakeCreateProgress(17, 17, 100, 100));
+  End(/*succeeded=*/true);
+  ExpectNothingClipped("state_create_done" + name);
 
-  form.StageEnded(CreateStage::kControlFile, /*succeeded=*/false);
-  form.End(/*succeeded=*/false, texts.GetText(424));
-  EXPECT_EQ(ClippedControls(form), "");
-  TakePicture(form, "state_create_failed_" + language);
+  form_->StageEnded(CreateStage::kControlFile, /*succeeded=*/false);
+  End(/*succeeded=*/false);
+  ExpectNothingClipped("state_create_failed" + name);
 
-  form.ShowReport({{texts.GetText(902, {"C:\\Demo\\Trend.ocx"})}, {}});
-  LetEventsRun();
-  EXPECT_EQ(ClippedControls(form), "");
-  TakePicture(form, "state_create_report_" + language);
+  form_->ShowReport({{texts.GetText(902, {"C:\\Demo\\Trend.ocx"})}, {}});
+  ExpectNothingClipped("state_create_report" + name);
 }
 
-TEST_F(StateCreate, ClipsNothing) { LookAtEveryState(*form_, world_.application.texts, "german"); }
+TEST_F(StateCreate, ClipsNothing) { LookAtEveryState("german"); }
 
 TEST_F(StateCreateEnglish, ClipsNothing) {
-  LookAtEveryState(*form_, world_.application.texts, "english");
+  LookAtEveryState("english");
   EXPECT_EQ(form_->GetTitle(), "TavixStudio - Setup-Assistent: State of 'Create'");
 }
 

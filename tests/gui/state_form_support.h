@@ -20,6 +20,13 @@
 
 namespace txs {
 
+inline constexpr long kGerman = 1031;
+inline constexpr long kEnglish = 1033;
+
+inline constexpr char kLongPath[] =
+    "C:\\Program Files\\Common Files\\TavixStudio\\Components of the plant & others\\Version 4.0\\"
+    "Visualisation\\TrendWithAVeryLongName.ocx";
+
 inline bool IsBold(const wxWindow& window) {
   return window.GetFont().GetWeight() == wxFONTWEIGHT_BOLD;
 }
@@ -95,6 +102,36 @@ class StateFormTest : public testing::Test {
     });
     form_->WaitUntilClosed();
     EXPECT_TRUE(acted);
+  }
+
+  // Lets events run as a run does between two files, until `condition` holds.
+  bool BecomesTrueInTheRun(const std::function<bool()>& condition) {
+    return WaitFor([&] {
+      form_->LetEventsRun();
+      return condition();
+    });
+  }
+
+  // Presses Alt+F4 while the run lasts.
+  void ExpectRefusesToBeClosed() {
+    bool refused = false;
+    form_->Bind(wxEVT_CLOSE_WINDOW, [&](wxCloseEvent& event) {
+      refused = true;
+      event.Skip();
+    });
+
+    PressKey(WXK_F4, wxMOD_ALT);
+
+    EXPECT_TRUE(WaitFor([&] { return refused; }));
+    EXPECT_TRUE(form_->IsShown());
+    EXPECT_FALSE(form_->IsCancelPressed());
+  }
+
+  // Nothing is cut off as the window is now; keeps a picture of it.
+  void ExpectNothingClipped(const std::string& picture) {
+    LetEventsRun();
+    EXPECT_EQ(ClippedControls(*form_), "") << picture;
+    TakePicture(*form_, picture);
   }
 
   wxStaticText& Label(const std::string& name) { return Control<wxStaticText>(*form_, name); }
