@@ -22,6 +22,16 @@ std::uint64_t TotalLength(const std::vector<FileRow*>& rows) {
   return total;
 }
 
+// The codes are the library's own and say little to a user: the reason stands below, where the
+// library gives one.
+void ShowResultCode(Application& application, const std::string& source, ArchiveResult code) {
+  Message message = application.texts.Compose(kMessageCompressing, {source});
+  message.prompt += "\r\n(" + std::to_string(static_cast<int>(code)) + ")";
+  const std::string reason = application.platform.archiver.FailureReason();
+  if (!reason.empty()) message.prompt += "\r\n" + reason;
+  application.messages.ShowMessage(message);
+}
+
 }  // namespace
 
 CompressedNames::CompressedNames(const std::vector<FileRow*>& rows) {
@@ -57,7 +67,9 @@ bool CompressFiles(Application& application, CreateView& view, const CreateState
     const BusyPointer busy(view);
     for (std::size_t i = 0; i < rows.size(); ++i) {
       FileRow& row = *rows[i];
-      source = FromVariableForm(application.document.path_variables, row.source);
+      // The project's directory may be stored with a backslash at its end.
+      source =
+          NormalizeDirectory(FromVariableForm(application.document.path_variables, row.source));
       view.ShowFile(source);
       if (row.compressed_name.empty()) row.compressed_name = names.Next(source);
       const std::string archive = JoinPath(state.temporary_directory, row.compressed_name);
@@ -65,9 +77,7 @@ bool CompressFiles(Application& application, CreateView& view, const CreateState
 
       const ArchiveResult code = application.platform.archiver.Compress(archive, source);
       if (code != ArchiveResult::kSuccess) {
-        Message message = application.texts.Compose(kMessageCompressing, {source});
-        message.prompt += "\r\n(" + std::to_string(static_cast<int>(code)) + ")";
-        application.messages.ShowMessage(message);
+        ShowResultCode(application, source, code);
         return false;
       }
       if (CancelledMeanwhile(view)) return false;

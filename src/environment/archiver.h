@@ -1,6 +1,7 @@
 // One file into one ZIP archive. See docs/formats/archives-and-disks.md.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 namespace txs {
@@ -27,6 +28,10 @@ class Archiver {
   // archive is left behind. The same input gives the same bytes on every run.
   [[nodiscard]] virtual ArchiveResult Compress(std::string_view archive_path,
                                                std::string_view source_path) = 0;
+
+  // Why the last Compress failed: the file and the system's words, in UTF-8. Empty after a success
+  // and where nothing is known but the code.
+  [[nodiscard]] virtual std::string FailureReason() const { return {}; }
 };
 
 }  // namespace txs

@@ -67,6 +67,7 @@ class Buffer {
 // What ends a Compress early, and with which result.
 struct Failure {
   ArchiveResult result;
+  std::string reason = {};
 };
 
 enum class Method : std::uint16_t { kStored = 0, kDeflated = 8 };
@@ -214,7 +215,8 @@ class Source {
       const bool missing = number == ErrorNumber::kFileNotFound ||
                            number == ErrorNumber::kPathNotFound ||
                            number == ErrorNumber::kBadFileName;
-      throw Failure{missing ? ArchiveResult::kSourceNotFound : ArchiveResult::kSourceUnreadable};
+      throw Failure{missing ? ArchiveResult::kSourceNotFound : ArchiveResult::kSourceUnreadable,
+                    error.Description()};
     }
   }
 
@@ -224,8 +226,8 @@ class Source {
   void Rewind() {
     try {
       file_->Seek(0);
-    } catch (const RuntimeError&) {
-      throw Failure{ArchiveResult::kSourceUnreadable};
+    } catch (const RuntimeError& error) {
+      throw Failure{ArchiveResult::kSourceUnreadable, error.Description()};
     }
   }
 
@@ -235,8 +237,8 @@ class Source {
       std::size_t got = 0;
       try {
         got = file_->Read(buffer);
-      } catch (const RuntimeError&) {
-        throw Failure{ArchiveResult::kSourceUnreadable};
+      } catch (const RuntimeError& error) {
+        throw Failure{ArchiveResult::kSourceUnreadable, error.Description()};
       }
       if (got == 0) throw Failure{ArchiveResult::kSourceChanged};
       buffer = buffer.subspan(got);
@@ -279,7 +281,7 @@ class Target {
       const ArchiveResult result = error.Number() == ErrorNumber::kDiskFull
                                        ? ArchiveResult::kDiskFull
                                        : ArchiveResult::kArchiveNotCreated;
-      throw Failure{result};
+      throw Failure{result, error.Description()};
     }
   }
 
@@ -288,7 +290,7 @@ class Target {
     try {
       operation();
     } catch (const RuntimeError& error) {
-      throw Failure{WriteFailure(error)};
+      throw Failure{WriteFailure(error), error.Description()};
     }
   }
 
@@ -309,6 +311,7 @@ class BuiltInArchiver : public Archiver {
       : files_(files), clock_(clock), limits_(limits) {}
 
   ArchiveResult Compress(std::string_view archive_path, std::string_view source_path) override {
+    reason_.clear();
     // Writing over the source would lose it, and so would the tidying after a failure.
     if (EqualNoCase(archive_path, source_path)) return ArchiveResult::kArchiveNotCreated;
     ArchiveResult result = ArchiveResult::kSuccess;
@@ -316,19 +319,24 @@ class BuiltInArchiver : public Archiver {
       CompressOrThrow(archive_path, source_path);
     } catch (const Failure& failure) {
       result = failure.result;
+      reason_ = failure.reason;
     } catch (const std::bad_alloc&) {
       result = ArchiveResult::kOutOfMemory;
     } catch (const RuntimeError& error) {
       result = error.Number() == ErrorNumber::kOutOfMemory ? ArchiveResult::kOutOfMemory
                                                            : ArchiveResult::kUnexpected;
-    } catch (const std::exception&) {
+      reason_ = error.Description();
+    } catch (const std::exception& error) {
       result = ArchiveResult::kUnexpected;
+      reason_ = error.what();
     }
     input_.Trim();
     output_.Trim();
     if (result != ArchiveResult::kSuccess) RemoveLeftover(archive_path);
     return result;
   }
+
+  [[nodiscard]] std::string FailureReason() const override { return reason_; }
 
  private:
   // Neither half an archive nor an older one of that name must be taken for this one.
@@ -471,6 +479,7 @@ class BuiltInArchiver : public Archiver {
   FileSystem& files_;
   const Clock& clock_;
   ArchiverLimits limits_;
+  std::string reason_;
   Buffer input_;
   Buffer output_;
   std::unique_ptr<libdeflate_compressor, CompressorDeleter> compressor_;

@@ -13,6 +13,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::StartsWith;
 
 // --- Names of archives
 
@@ -149,6 +150,19 @@ TEST_F(Compression, AResultCodeIsShownBehindTheSourcesName) {
   EXPECT_EQ(world_.messages.shown[0].title, "TavixStudio - Setup-Wizard   (Message 902)");
   EXPECT_THAT(Archives(), ElementsAre("C:\\Demo\\~TEMP\\a.dat.zip"));
   EXPECT_FALSE(world_.view.busy);
+}
+
+// A bare "(4)" does not tell which disk is full.
+TEST_F(Compression, TheSystemsWordsStandBelowTheResultCode) {
+  world_.Add("<ProjectDir>\\a.dat", "a");
+  world_.files.FailPath("C:\\Demo\\~TEMP\\a.dat.zip", "Write", ErrorNumber::kDiskFull);
+
+  EXPECT_FALSE(Compress());
+
+  ASSERT_EQ(world_.messages.shown.size(), 1u);
+  EXPECT_THAT(world_.messages.shown[0].prompt,
+              StartsWith("Error compressing the file 'C:\\Demo\\a.dat'!\r\n(4)\r\n"
+                         "C:\\Demo\\~TEMP\\a.dat.zip: "));
 }
 
 TEST_F(Compression, AnArchiveThatIsNotThereAfterwardsIsAnErrorNamedAfterTheArchive) {

@@ -19,6 +19,7 @@ class FailingArchiver : public Archiver {
   void FailFor(std::string_view source_path, ArchiveResult code) {
     failures_[FoldCase(source_path)] = code;
   }
+  std::string reason;  // of those failures
 
   // Called before every compression, with archive and source path.
   std::function<void(std::string_view, std::string_view)> before;
@@ -36,6 +37,10 @@ class FailingArchiver : public Archiver {
     const auto failure = failures_.find(FoldCase(source_path));
     if (failure != failures_.end()) return failure->second;
     return working_.Compress(archive_path, source_path);
+  }
+
+  [[nodiscard]] std::string FailureReason() const override {
+    return reason.empty() ? working_.FailureReason() : reason;
   }
 
  private:
