@@ -1,10 +1,12 @@
 #include "scan/studio_project_scan.h"
 
 #include <array>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "document/work_border.h"
+#include "environment/code_page.h"
 #include "environment/project_type.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
@@ -161,6 +163,8 @@ class StudioProjectScan {
     const std::string path = FileOfRegisteredPath(
         tools, tools.RegistryText(Hive::kLocalMachine, key, "Path", /*default_value=*/{}));
     if (path.empty()) {
+      // Devices share drivers; one message is enough.
+      if (!missing_drivers_.insert(FoldCase(program_id)).second) return;
       ShowWarning(application_, kMessageDriverMissing, {program_id});
       session_.RecordMissing(program_id, ChainTo(section, program_id));
       return;
@@ -200,6 +204,7 @@ class StudioProjectScan {
   Application& application_;
   const CurrentProject& project_;
   const std::string product_file_;
+  std::set<std::string> missing_drivers_;  // folded
   bool succeeded_ = true;
 };
 

@@ -255,6 +255,7 @@ void VisualBasicProjectReader::ReadObject(Project& project, std::string_view val
       ReportProjectReference(project, value, kMessageInsertableObject);
       return;
     }
+    if (!unresolved_.insert(FoldCase(value)).second) return;
     Application& application = session_.App();
     application.messages.ShowMessage(application.texts.Compose(
         kMessageInsertableObject, {std::string(value)}, kButtonsOk | kIconInformation));

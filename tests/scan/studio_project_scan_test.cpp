@@ -234,6 +234,14 @@ TEST_F(StudioScan, NamesADriverThatIsNotRegisteredAndGoesOn) {
               ElementsAre(MissingItem{"Lost.Device", {"Demo.txs", "device1", "Lost.Device"}}));
 }
 
+TEST_F(StudioScan, SaysOnceThatTheDriverOfTwoDevicesIsNotRegistered) {
+  world.SetStudioProject({"[device1]", "ProgID=Lost.Device", "[device2]", "ProgID=LOST.Device"});
+
+  EXPECT_TRUE(Scan());
+
+  EXPECT_THAT(world.messages.Ids(), ElementsAre(915));
+}
+
 TEST_F(StudioScan, AddsRctFilesInTheOrderOfTheListing) {
   for (const char* name : {"b.rct", "A.RCT", "c.rctx"}) {
     world.files.AddFile(std::string("C:\\Demo\\") + name, "");

@@ -345,6 +345,14 @@ TEST_F(VisualBasicReader, NamesAnObjectThatIsNotRegistered) {
   EXPECT_EQ(Missing().front().name, std::string(kGuid1) + " 6.A (lost.ocx)");
 }
 
+// As in a group, whose members use the same.
+TEST_F(VisualBasicReader, SaysOnceThatAnInsertableObjectIsNotInstalled) {
+  EXPECT_TRUE(
+      ReadLine("Object=Word.Document.8; WINWORD.EXE\r\nObject=WORD.Document.8; WINWORD.EXE"));
+
+  EXPECT_THAT(world.messages.Ids(), ElementsAre(916));
+}
+
 TEST_F(VisualBasicReader, NamesAnInsertableObjectAndGoesOn) {
   EXPECT_TRUE(ReadLine("Object=Word.Document.8; WINWORD.EXE"));
 
