@@ -20,15 +20,22 @@ std::vector<std::string> ReadExcludedFiles(Application& application) {
   }
 }
 
+// Directories are registered with a trailing backslash; users need not read two of them.
+std::string InDirectory(const std::string& directory, const std::string& file_name) {
+  return directory + (directory.ends_with('\\') ? "" : "\\") + file_name;
+}
+
 }  // namespace
 
-std::string CurrentProject::StudioProjectFile() const { return directory + "\\" + name + ".txs"; }
+std::string CurrentProject::StudioProjectFile() const {
+  return InDirectory(directory, name + ".txs");
+}
 
-std::string CurrentProject::SettingsFile() const { return directory + "\\" + name + ".swz"; }
+std::string CurrentProject::SettingsFile() const { return InDirectory(directory, name + ".swz"); }
 
-std::string CurrentProject::LockFile() const { return directory + "\\~TXSetup.lock"; }
+std::string CurrentProject::LockFile() const { return InDirectory(directory, "~TXSetup.lock"); }
 
-std::string CurrentProject::TemporaryDirectory() const { return directory + "\\~TEMP"; }
+std::string CurrentProject::TemporaryDirectory() const { return InDirectory(directory, "~TEMP"); }
 
 void LoadMainFormState(Application& application) {
   const SystemTools& tools = application.platform.tools;

@@ -1,5 +1,7 @@
 #include "document/document_check.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <exception>
 #include <limits>
 #include <new>
@@ -21,6 +23,10 @@ constexpr long kDirectoriesMissing = 1708;
 constexpr long kFilesMissing = 1709;
 constexpr long kDestinationsMissing = 1710;
 constexpr long kNoDriveDirectory = 1712;
+constexpr long kFilesConcerned = 1940;
+
+// A message that names more would bury what it says.
+constexpr std::size_t kMostNamed = 100;
 
 // A message that is about to be shown, or that comes nearest to an error that interrupts the check.
 struct Finding {
@@ -40,7 +46,8 @@ MaybeFinding CheckPictures(Application& application, Finding& doing) {
   for (const std::string* picture : {&pictures.german, &pictures.english}) {
     if (picture->empty()) continue;
     doing = {kPictureMissing, {*picture}};
-    const std::string path = FromVariableForm(document.path_variables, *picture);
+    const std::string path =
+        NormalizeDirectory(FromVariableForm(document.path_variables, *picture));
     if (!application.platform.files.FileExists(path)) return Finding{kPictureMissing, {path}};
   }
   return std::nullopt;
@@ -104,6 +111,38 @@ MaybeFinding CheckFiles(Application& application, Finding& doing) {
   return std::nullopt;
 }
 
+// The marks of the rows are all that the messages about files go by. Where nobody sees them, in an
+// unattended run and for rows that the list does not show, the files are named: line breaks and
+// paths, nothing where the marks will do.
+std::string MarkedFiles(Application& application) {
+  const SetupDocument& document = application.document;
+  const auto is_marked = [](const FileRow& row) { return row.marked; };
+  if (!application.unattended && std::ranges::none_of(document.hidden_files.Rows(), is_marked)) {
+    return {};
+  }
+  std::string names;
+  std::size_t count = 0;
+  for (const FileRow* const row : application.document.AllRows()) {
+    if (!row->marked || ++count > kMostNamed) continue;
+    const std::string path =
+        NormalizeDirectory(FromVariableForm(document.path_variables, row->source));
+    names += "\r\n" + (path.empty() ? "\"\"" : path);
+  }
+  if (count > kMostNamed) names += "\r\n...";
+  return names;
+}
+
+void ShowFinding(Application& application, const Finding& finding) {
+  Message message = application.texts.Compose(finding.id, finding.parameters);
+  if (finding.id == kFilesMissing || finding.id == kDestinationsMissing) {
+    const std::string names = MarkedFiles(application);
+    if (!names.empty()) {
+      message.prompt += "\r\n" + application.texts.GetText(kFilesConcerned, {names});
+    }
+  }
+  application.messages.ShowMessage(message);
+}
+
 MaybeFinding RunCheck(Application& application, Step step, Finding& doing) {
   const auto concerns = [step](Step part) { return step == Step::kAll || step == part; };
   if (concerns(Step::kTexts)) {
@@ -128,12 +167,12 @@ bool CheckDocument(Application& application, Step step) {
   try {
     const MaybeFinding finding = RunCheck(application, step, doing);
     if (!finding) return true;
-    ShowWarning(application, finding->id, finding->parameters);
+    ShowFinding(application, *finding);
   } catch (const RuntimeError& error) {
     ShowError(application, doing.id, doing.parameters, error);
-  } catch (const std::bad_alloc& error) {
+  } catch (const std::bad_alloc&) {
     ShowError(application, doing.id, doing.parameters,
-              RuntimeError(ErrorNumber::kOutOfMemory, error.what()));
+              RuntimeError(ErrorNumber::kOutOfMemory, "Out of memory"));
   } catch (const std::exception& error) {
     ShowError(application, doing.id, doing.parameters,
               RuntimeError(ErrorNumber::kInternal, error.what()));

@@ -12,6 +12,7 @@ namespace txs {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
@@ -243,6 +244,59 @@ TEST_F(DocumentCheck, AsksTheFileSystemOncePerRow) {
 
   EXPECT_EQ(world_.Files().diary.size(), 2u);
   EXPECT_EQ(world_.Files().Times("Stamp"), 2u);
+}
+
+// --- Names of the files
+
+// The log of an unattended run shows no marks.
+TEST_F(DocumentCheck, OfAnUnattendedRunNamesTheFiles) {
+  world_.application.unattended = true;
+  document_.files.Append("<ProjectDir>\\fehlt.dll", "<WinSysDir>", "1");
+  document_.files.Append("", "<WinSysDir>", "1");
+  document_.hidden_files.Append("D:\\fehlt.ocx", "<WinSysDir>", "1");
+
+  EXPECT_FALSE(Check());
+
+  const TextService& texts = world_.application.texts;
+  EXPECT_EQ(world_.Prompts().back(),
+            texts.GetText(1709) + "\r\n" +
+                texts.GetText(1940, {"\r\nC:\\Demo\\fehlt.dll\r\n\"\"\r\nD:\\fehlt.ocx"}));
+}
+
+TEST_F(DocumentCheck, OfAnUnattendedRunNamesTheFilesWithoutADestination) {
+  world_.application.unattended = true;
+  document_.files.Row(1).destination = "";
+
+  EXPECT_FALSE(Check());
+
+  EXPECT_THAT(world_.Prompts().back(), EndsWith(":\r\nC:\\Demo\\Demo.exe"));
+}
+
+TEST_F(DocumentCheck, NamesTheFilesOfRowsThatTheListDoesNotShow) {
+  document_.hidden_files.Append("C:\\fehlt.dll", "<WinSysDir>", "1");
+
+  EXPECT_FALSE(Check());
+
+  EXPECT_THAT(world_.Prompts().back(), EndsWith(":\r\nC:\\fehlt.dll"));
+}
+
+TEST_F(DocumentCheck, LeavesItToTheMarksWhereAllOfThemAreSeen) {
+  document_.files.Append("C:\\fehlt.dll", "<WinSysDir>", "1");
+
+  EXPECT_FALSE(Check());
+
+  EXPECT_EQ(world_.Prompts().back(), world_.application.texts.GetText(1709));
+}
+
+TEST_F(DocumentCheck, NamesAHundredFilesAndThenNoMore) {
+  world_.application.unattended = true;
+  for (int i = 1; i <= 101; ++i) {
+    document_.files.Append("C:\\" + std::to_string(i) + ".dll", "<WinSysDir>", "1");
+  }
+
+  EXPECT_FALSE(Check());
+
+  EXPECT_THAT(world_.Prompts().back(), EndsWith("\r\nC:\\100.dll\r\n..."));
 }
 
 // --- Order and parts
