@@ -5,6 +5,9 @@
 #include <wx/clipbrd.h>
 #include <wx/dataobj.h>
 #include <wx/dialog.h>
+#include <wx/display.h>
+#include <wx/scrolwin.h>
+#include <wx/settings.h>
 #include <wx/sizer.h>
 #include <wx/statbmp.h>
 #include <wx/stattext.h>
@@ -31,6 +34,14 @@ constexpr long kTextNo = 1979;
 constexpr int kWidestLine = 480;
 constexpr int kTitleBarButtons = 140;
 constexpr int kMargin = 12;
+
+// Of the screen's height. A longer text is scrolled: the buttons must stay in reach.
+constexpr double kHighestText = 0.6;
+// Beyond, a text is no longer read; the clipboard still gets all of it. A window of the system is
+// not higher than 32767 pixels either.
+constexpr std::size_t kMostLines = 400;
+// More characters than any line shows.
+constexpr std::size_t kMostMeasured = 400;
 
 wxArtID IconOf(int buttons) {
   switch (buttons & kIconMask) {
@@ -90,43 +101,65 @@ wxWindow* FrontWindow() {
 }
 
 // Line breaks at blanks, and within a word that is longer than a line (a path) behind a backslash.
-wxString Wrapped(const wxString& text, const wxWindow& window, int width) {
-  const auto fits = [&](const wxString& line) { return window.GetTextExtent(line).x <= width; };
-  wxString result;
-  wxString line;
-  const auto end_line = [&] {
-    result += line + '\n';
-    line.clear();
-  };
-  wxString word;
-  const auto add_word = [&] {
-    if (!line.empty() && !fits(line + word)) end_line();
-    while (!fits(word) && word.length() > 1) {
+// No more than kMostLines lines.
+class WrappedText {
+ public:
+  WrappedText(const wxString& text, const wxWindow& window, int width)
+      : window_(window), width_(width) {
+    wxString word;
+    for (const wxUniChar c : text) {
+      if (c != '\n' && c != ' ') {
+        word += c;
+        continue;
+      }
+      AddWord(word);
+      word.clear();
+      if (c == ' ') {
+        line_ += c;
+      } else {
+        EndLine();
+      }
+      if (IsFull()) break;
+    }
+    AddWord(word);
+    text_ += IsFull() ? wxString("...") : line_;
+  }
+
+  [[nodiscard]] const wxString& Text() const { return text_; }
+
+ private:
+  [[nodiscard]] bool Fits(const wxString& line) const {
+    return line.length() <= kMostMeasured && window_.GetTextExtent(line).x <= width_;
+  }
+
+  [[nodiscard]] bool IsFull() const { return count_ >= kMostLines; }
+
+  void EndLine() {
+    text_ += line_ + '\n';
+    line_.clear();
+    ++count_;
+  }
+
+  void AddWord(wxString word) {
+    if (!line_.empty() && !Fits(line_ + word)) EndLine();
+    while (!IsFull() && !Fits(word) && word.length() > 1) {
       std::size_t count = 1;
-      while (count < word.length() && fits(word.Left(count + 1))) ++count;
+      while (count < word.length() && Fits(word.Left(count + 1))) ++count;
       const std::size_t backslash = word.Left(count).rfind('\\');
       if (backslash != wxString::npos && backslash > 0) count = backslash + 1;
-      line = word.Left(count);
-      end_line();
+      line_ = word.Left(count);
+      EndLine();
       word = word.Mid(count);
     }
-    line += word;
-    word.clear();
-  };
-  for (const wxUniChar c : text) {
-    if (c == '\n') {
-      add_word();
-      end_line();
-    } else if (c == ' ') {
-      add_word();
-      line += c;
-    } else {
-      word += c;
-    }
+    line_ += word;
   }
-  add_word();
-  return result + line;
-}
+
+  const wxWindow& window_;
+  int width_;
+  wxString text_;
+  wxString line_;
+  std::size_t count_ = 0;
+};
 
 class MessageDialog : public wxDialog {
  public:
@@ -162,11 +195,34 @@ class MessageDialog : public wxDialog {
       image->SetName("imgMessage");
       row->Add(image, wxSizerFlags().Top().Border(wxRIGHT, FromDIP(kMargin)));
     }
-    auto* const text = new wxStaticText(this, wxID_ANY, wxString());
-    text->SetName("lblMessage");
-    text->SetLabelText(Wrapped(contents_.prompt, *this, FromDIP(kWidestLine)));
-    row->Add(text, wxSizerFlags(1).CentreVertical());
+    const wxString text = WrappedText(contents_.prompt, *this, FromDIP(kWidestLine)).Text();
+    wxStaticText* const label = MakeLabel(*this, text);
+    const wxSize needed = label->GetBestSize();
+    const int highest = static_cast<int>(
+        kHighestText *
+        wxDisplay(GetParent() == nullptr ? this : GetParent()).GetClientArea().height);
+    if (needed.GetHeight() <= highest) {
+      row->Add(label, wxSizerFlags(1).CentreVertical());
+      return row;
+    }
+    label->Destroy();
+    pane_ = new wxScrolledWindow(this, wxID_ANY, wxDefaultPosition, wxDefaultSize, wxVSCROLL);
+    pane_->SetName("picMessage");
+    auto* const column = new wxBoxSizer(wxVERTICAL);
+    column->Add(MakeLabel(*pane_, text));
+    pane_->SetSizer(column);
+    pane_->SetScrollRate(0, GetCharHeight());
+    const int bar = wxSystemSettings::GetMetric(wxSYS_VSCROLL_X, pane_) + FromDIP(kMargin);
+    pane_->SetMinSize(wxSize(needed.GetWidth() + bar, highest));
+    row->Add(pane_, wxSizerFlags(1).Expand());
     return row;
+  }
+
+  static wxStaticText* MakeLabel(wxWindow& parent, const wxString& text) {
+    auto* const label = new wxStaticText(&parent, wxID_ANY, wxString());
+    label->SetName("lblMessage");
+    label->SetLabelText(text);
+    return label;
   }
 
   wxSizer* MakeButtons(const TextService& texts) {
@@ -219,12 +275,30 @@ class MessageDialog : public wxDialog {
       if (!locker) return;
       wxTheClipboard->SetData(
           new wxTextDataObject(contents_.title + "\n\n" + contents_.prompt + "\n"));
-    } else {
+    } else if (!ScrollBy(event.GetKeyCode())) {
       event.Skip();
     }
   }
 
+  // The buttons keep the focus.
+  bool ScrollBy(int key_code) {
+    if (pane_ == nullptr) return false;
+    switch (key_code) {
+      case WXK_UP:
+        return pane_->ScrollLines(-1), true;
+      case WXK_DOWN:
+        return pane_->ScrollLines(1), true;
+      case WXK_PAGEUP:
+        return pane_->ScrollPages(-1), true;
+      case WXK_PAGEDOWN:
+        return pane_->ScrollPages(1), true;
+      default:
+        return false;
+    }
+  }
+
   Contents contents_;
+  wxScrolledWindow* pane_ = nullptr;  // where the text is too high for the screen
 };
 
 }  // namespace

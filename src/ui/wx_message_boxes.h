@@ -11,7 +11,9 @@ namespace txs {
 
 // Each box stands in front of the active window and is wide enough for its title, which holds the
 // message's number. Esc answers as Cancel, No or OK, whichever of them the box has first. Ctrl+C
-// copies title and text.
+// copies title and text. A text that is too high for the screen is scrolled, by the arrow keys,
+// too, so that the buttons stay in reach; after some hundred lines it ends in "...", and only
+// Ctrl+C gives all of it.
 class WxMessageBoxes : public MessageBoxes {
  public:
   // Shows the topic of the help.

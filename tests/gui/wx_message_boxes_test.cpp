@@ -5,7 +5,9 @@
 #include <wx/button.h>
 #include <wx/clipbrd.h>
 #include <wx/dataobj.h>
+#include <wx/display.h>
 #include <wx/frame.h>
+#include <wx/scrolwin.h>
 #include <wx/stattext.h>
 #include <wx/utils.h>
 
@@ -13,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "fakes/message_ids.h"
 #include "gui/gui_support.h"
 #include "ui/wx_text.h"
 
@@ -134,23 +137,89 @@ TEST_F(WxMessageBoxesTest, AnEmptyTitleShowsTheApplicationsTitle) {
   });
 }
 
+// As long as paths get, with no blank to break it at.
+std::string LongestPath(const std::string& name) {
+  std::string path = "C:";
+  while (path.size() + name.size() < 250) path += "\\Visualisierung_Mischanlage";
+  return path.substr(0, 249 - name.size()) + "\\" + name;
+}
+
+// The text of the box without its line breaks, and so without those at which it was wrapped.
+std::string Unbroken(std::string text) {
+  std::erase_if(text, [](char c) { return c == '\r' || c == '\n'; });
+  return text;
+}
+
 TEST_F(WxMessageBoxesTest, EveryMessageOfTheTableFitsItsBoxInBothLanguages) {
+  const std::string path = LongestPath("Förderregler.dll");
+  const RuntimeError error(ErrorNumber::kPathFileAccess,
+                           LongestPath("Förderregler.zip") + ": Permission denied");
   for (const long language : {kGerman, kEnglish}) {
     Speak(language);
-    for (const long id : {903L, 916L, 917L, 1703L, 1711L, 1715L, 1975L}) {
-      const Message message = TextService(language).Compose(id, {"Förderregler.dll"});
+    for (const long id : MessageIds()) {
+      SCOPED_TRACE(std::to_string(id) + " in " + std::to_string(language));
+      const Message message = TextService(language).ComposeError(id, {path, path}, error);
 
       ShowAnd({.prompt = message.prompt,
                .buttons = kButtonsYesNoCancel | kIconExclamation | kButtonHelp,
                .title = message.title,
                .help_file = "C:\\Help.chm"},
-              [id, language](wxTopLevelWindow& box) {
-                EXPECT_EQ(ClippedControls(box), "") << id;
+              [&](wxTopLevelWindow& box) {
+                EXPECT_EQ(ClippedControls(box), "");
+                EXPECT_EQ(Unbroken(FromWx(Control<wxStaticText>(box, "lblMessage").GetLabelText())),
+                          Unbroken(message.prompt));
+                EXPECT_GE(box.GetSize().x, box.GetTextExtent(box.GetTitle()).x);
+                EXPECT_LE(box.GetSize().x, box.FromDIP(700));
+                EXPECT_LE(box.GetSize().y, box.FromDIP(500));
                 TakePicture(box, "message-" + std::to_string(id) + "-" + std::to_string(language));
                 PressKey(WXK_ESCAPE);
               });
     }
   }
+}
+
+TEST_F(WxMessageBoxesTest, ATextThatIsTooHighForTheScreenIsScrolledAndTheButtonsStayInReach) {
+  std::string prompt = "first";
+  for (int i = 0; i < 200; ++i) prompt += "\r\nline " + std::to_string(i);
+  Speak(kGerman);
+
+  const MessageResult answer =
+      ShowAnd({.prompt = prompt, .buttons = kButtonsYesNo}, [](wxTopLevelWindow& box) {
+        const wxRect screen = wxDisplay(&box).GetClientArea();
+        EXPECT_TRUE(screen.Contains(box.GetScreenRect()));
+        EXPECT_TRUE(screen.Contains(FindControl(box, "cmdYes")->GetScreenRect()));
+        EXPECT_EQ(ClippedControls(box), "");
+        auto& pane = Control<wxScrolledWindow>(box, "picMessage");
+        TakePicture(box, "message-many-lines");
+        PressKey(WXK_PAGEDOWN);
+        EXPECT_TRUE(WaitFor([&] { return pane.GetViewStart().y > 1; }));
+        PressKey(WXK_PAGEUP);
+        EXPECT_TRUE(WaitFor([&] { return pane.GetViewStart().y == 0; }));
+        PressKey(WXK_DOWN);
+        EXPECT_TRUE(WaitFor([&] { return pane.GetViewStart().y == 1; }));
+        PressKey('J', wxMOD_ALT);
+      });
+
+  EXPECT_EQ(answer, MessageResult::kYes);
+}
+
+// As an insertable object of a project file whose lines have no end.
+TEST_F(WxMessageBoxesTest, ATextWithoutEndIsCutAndCopiedWhole) {
+  const std::string prompt = std::string(2'000'000, 'x');
+
+  ShowAnd({.prompt = prompt}, [](wxTopLevelWindow& box) {
+    const wxString text = Control<wxStaticText>(box, "lblMessage").GetLabelText();
+    EXPECT_TRUE(text.EndsWith("\n...")) << FromWx(text.Right(20));
+    EXPECT_LT(text.length(), 100'000U);
+    PressKey('C', wxMOD_CONTROL);
+    LetEventsRun();
+    PressKey(WXK_RETURN);
+  });
+
+  const wxClipboardLocker locker;
+  wxTextDataObject copied;
+  ASSERT_TRUE(wxTheClipboard->GetData(copied));
+  EXPECT_EQ(copied.GetText().length(), prompt.size() + std::string("title\n\n\n").size());
 }
 
 TEST_F(WxMessageBoxesTest, LineBreaksAndAmpersandsAreShownAsTheyAre) {
