@@ -21,6 +21,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 TEST(HostFilter, MatchesPatternsInAnyCase) {
   EXPECT_EQ(HostFilter("Bilder|*.BMP;*.j2k"), "Bilder|*.[bB][mM][pP];*.[jJ]2[kK]");
@@ -106,6 +107,34 @@ TEST_F(FileDialogs, FilesAreChosenInTheFolderThatWasAskedFor) {
   EXPECT_EQ(title, "Datei");
   EXPECT_EQ(std::filesystem::path(opened_in + "/").lexically_normal(),
             folder.Path() / "Projects/Demo/");
+}
+
+TEST_F(FileDialogs, SeveralFilesAreChosenAtOnceByTheKeyboard) {
+  for (const char* const name : {"a.dll", "b.dll", "c.dll"}) MakeFile(name);
+  Meanwhile meanwhile;
+  meanwhile.In<wxFileDialog>([](wxFileDialog& dialog) {
+    const auto chosen = [&dialog] {
+      wxArrayString paths;
+      dialog.GetPaths(paths);
+      return paths;
+    };
+    // The folder is read while the dialog is on the screen already.
+    EXPECT_TRUE(WaitFor([&] {
+      PressKey(WXK_HOME);
+      return chosen().size() == 1 && chosen().front().EndsWith("a.dll");
+    }));
+    PressKey(WXK_DOWN, wxMOD_SHIFT);
+    EXPECT_TRUE(WaitFor([&] { return chosen().size() == 2; }));
+    PressKey(WXK_RETURN);
+    EndUnlessHidden(dialog);
+  });
+
+  const std::vector<std::string> chosen =
+      AskForFiles(parent, world.application,
+                  {"Datei", "Binary Files|*.DLL;*.OCX", "C:\\Projects\\Demo\\", /*several=*/true});
+
+  EXPECT_THAT(chosen,
+              UnorderedElementsAre("C:\\Projects\\Demo\\a.dll", "C:\\Projects\\Demo\\b.dll"));
 }
 
 TEST_F(FileDialogs, EscapeChoosesNoFile) {

@@ -36,8 +36,9 @@ _TEXTS = _read_texts()
 
 
 def text(language, number, *parameters):
-    """Text `number` of the string table."""
-    result = _TEXTS[number][language]
+    """Text `number` of the string table, as it is shown."""
+    # Of the table's own escapes only those of the backslash occur.
+    result = re.sub(r"\\(.)", r"\1", _TEXTS[number][language])
     for index, parameter in enumerate(parameters, 1):
         result = result.replace(f"@{index}@", str(parameter))
     return result
