@@ -26,8 +26,9 @@
 
 namespace txs {
 
-// Hidden until BeginRun. While the run lasts it refuses to be closed; Esc presses Cancel, Enter does
-// nothing unless the user has moved to Cancel. Afterwards both, and the close box, do what OK does.
+// Hidden until BeginRun. While the run lasts it refuses to be closed; Esc presses Cancel, Enter
+// does nothing unless the user has moved to Cancel. Afterwards both, and the close box, do what OK
+// does.
 class StateForm : public wxDialog {
  public:
   ~StateForm() override;
