@@ -108,7 +108,7 @@ wxStaticText* StateForm::MakeFileLabel() {
   auto* const label = new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
                                        wxST_NO_AUTORESIZE | wxST_ELLIPSIZE_MIDDLE);
   label->SetName("lblFile");
-  label->SetMinSize(wxSize(FromDIP(kFileWidth), GetCharHeight()));
+  label->SetMinSize(wxSize(FromDIP(kFileWidth), label->GetBestSize().GetHeight()));
   file_.emplace(*label);
   return label;
 }
@@ -117,7 +117,7 @@ wxStaticText* StateForm::MakeValueLabel(const char* name, int least_width) {
   auto* const label = new wxStaticText(this, wxID_ANY, wxString(), wxDefaultPosition, wxDefaultSize,
                                        wxST_NO_AUTORESIZE);
   label->SetName(name);
-  label->SetMinSize(wxSize(least_width, GetCharHeight()));
+  label->SetMinSize(wxSize(least_width, label->GetBestSize().GetHeight()));
   return label;
 }
 
