@@ -16,6 +16,7 @@ struct CreateState {
       0;  // taken on disk 1 by the setup kit and the script's placeholder
   std::unordered_set<std::string> first_disk_names;  // folded: what stage 407 put on disk 1
   std::uint64_t disks_used = 0;                      // by the last distribution
+  std::uint64_t first_disk_free_bytes = 0;           // left on disk 1 by the last distribution
   std::uint64_t archive_bytes = 0;                   // sum of the archives of the last distribution
 };
 

@@ -204,6 +204,9 @@ DistributionPlan PlanDistribution(const std::vector<std::uint64_t>& archive_byte
     }
   }
   plan.disks_used = disk;
+  // The next disk is begun only when this one has nothing left.
+  if (disk == 1)
+    plan.first_disk_free_bytes = static_cast<std::uint64_t>(std::max<std::int64_t>(free, 0));
   return plan;
 }
 
@@ -248,6 +251,7 @@ bool DistributeOnDisks(Application& application, CreateView& view, CreateState& 
     }
 
     state.disks_used = plan.disks_used;
+    state.first_disk_free_bytes = plan.first_disk_free_bytes;
     state.archive_bytes = total_bytes;
     application.document.steps.disks_needed_label = std::to_string(plan.disks_used);
     application.document.steps.disks_needed_is_estimate = false;

@@ -30,6 +30,7 @@ struct ArchivePlacement {
 struct DistributionPlan {
   std::vector<ArchivePlacement> archives;  // one per size, in order
   std::uint64_t disks_used = 1;
+  std::uint64_t first_disk_free_bytes = 0;  // beside the reservation
 };
 
 // Where archives of these sizes go: pure arithmetic, the one place that knows the rules. Room is
@@ -50,9 +51,10 @@ struct DistributionPlan {
 
 // Stage 408. Moves the archives of all rows from the temporary directory onto the disks, writes
 // each disk's label file, fills the rows' Disk field (cleared before), the step-5 disks label and
-// `state.disks_used`. False after message 903, or when Cancel was pressed between files; archives
-// already placed stay. A name that lies on the disk already (a kit file, a label, another archive)
-// is an error, since overwriting it would damage the installation unseen.
+// `state.disks_used` and `state.first_disk_free_bytes`. False after message 903, or when Cancel was
+// pressed between files; archives already placed stay. A name that lies on the disk already (a kit
+// file, a label, another archive) is an error, since overwriting it would damage the installation
+// unseen.
 [[nodiscard]] bool DistributeOnDisks(Application& application, CreateView& view,
                                      CreateState& state);
 

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <optional>
 #include <span>
 #include <vector>
 
+#include "create/setup_kit.h"
 #include "create/stage_view.h"
 #include "document/path_variables.h"
 #include "document/work_border.h"
@@ -20,6 +22,7 @@ namespace {
 
 constexpr long kTextWriting = 426;
 constexpr long kMessageControlFile = 904;
+constexpr long kMessageFirstDiskTooFull = 1932;
 constexpr char kScriptName[] = "SETUP.STP";
 
 constexpr std::string_view kWriteVendorValue =
@@ -226,7 +229,8 @@ class ScriptWriter {
 std::string SetupControlText(Application& application) { return ScriptWriter(application).Write(); }
 
 bool WriteSetupControlFile(Application& application, CreateView& view, const CreateState& state) {
-  return AtWorkBorder(application, kMessageControlFile, kScriptName, [&] {
+  std::uint64_t script_bytes = 0;
+  const bool written = AtWorkBorder(application, kMessageControlFile, kScriptName, [&] {
     view.ShowFile(kScriptName);
     view.ShowAction(application.texts.GetText(kTextWriting));
     if (CancelledMeanwhile(view)) return false;
@@ -239,8 +243,15 @@ bool WriteSetupControlFile(Application& application, CreateView& view, const Cre
         JoinPath(state.first_disk_directory, kScriptName));
     file->Write(std::as_bytes(std::span(bytes)));
     file->Close();
+    script_bytes = bytes.size();
     return true;
   });
+
+  const std::uint64_t room = kScriptPlaceholderBytes + state.first_disk_free_bytes;
+  if (script_bytes > room) {
+    ShowWarning(application, kMessageFirstDiskTooFull, {std::to_string(script_bytes - room)});
+  }
+  return written;
 }
 
 std::string FullMdacEntry() {

@@ -17,7 +17,8 @@ namespace txs {
 
 // Stage 409: writes the script over its placeholder in the first disk directory. False after
 // message 904, or when Cancel was pressed before the file was opened. A partly written file is
-// left.
+// left. A script that outgrows its placeholder and what else is free on disk 1 is written all the
+// same; message 1932 then says by how much the disk holds more than its medium.
 [[nodiscard]] bool WriteSetupControlFile(Application& application, CreateView& view,
                                          const CreateState& state);
 

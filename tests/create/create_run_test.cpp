@@ -451,6 +451,24 @@ TEST_F(CreateRun, AKitTooLargeForTheMediumEndsTheRunBeforeAnythingIsDistributed)
   EXPECT_THAT(Names(world_.Output()), ElementsAre("DISK1\\SETUP.EXE", "DISK1\\SETUP.STP"));
 }
 
+// The rows of a larger project make a script that no longer fits into the room kept for it.
+TEST_F(CreateRun, AScriptThatOverfillsAFullDisk1IsToldOnceAndTheInstallationIsComplete) {
+  document_.steps.disk_size_index = 0;
+  for (int i = 0; i < 500; ++i) {
+    world_.Add("<ProjectDir>\\Meldungen " + std::to_string(i) + ".dat", "x");
+  }
+  world_.Add("<ProjectDir>\\Archiv.dat", "x");
+  world_.SetArchiveSize("C:\\Demo\\Archiv.dat", 2 * kDisketteBytes);
+
+  EXPECT_TRUE(world_.Run().succeeded);
+
+  const std::size_t script = world_.files.Contents("C:\\Demo\\Setup\\DISK1\\SETUP.STP").size();
+  ASSERT_GT(script, 32'000u);
+  EXPECT_THAT(world_.messages.Ids(), ElementsAre(1932));
+  EXPECT_THAT(world_.messages.shown[0].prompt,
+              HasSubstr(" " + std::to_string(script - 32'000) + " bytes more than the medium"));
+}
+
 // --- Progress
 
 TEST_F(CreateRun, ProgressNeverFallsWithinAStageAndEndsComplete) {

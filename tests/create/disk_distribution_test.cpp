@@ -229,6 +229,16 @@ TEST(DiskPlan, PiecesSumToTheirArchiveAndNoDiskHoldsMoreThanItsMedium) {
   }
 }
 
+TEST(DiskPlan, TellsWhatIsLeftOnDisk1AndNothingOnceThereIsAnother) {
+  const std::uint64_t reserved = 40 * kKibi;
+  const std::uint64_t medium = 100 * kKibi;
+
+  EXPECT_EQ(PlanDistribution({}, medium, reserved).first_disk_free_bytes, 60 * kKibi);
+  EXPECT_EQ(PlanDistribution({1, 9 * kKibi}, medium, reserved).first_disk_free_bytes, 50 * kKibi);
+  EXPECT_EQ(PlanDistribution({60 * kKibi}, medium, reserved).first_disk_free_bytes, 0u);
+  EXPECT_EQ(PlanDistribution({60 * kKibi, 1}, medium, reserved).first_disk_free_bytes, 0u);
+}
+
 TEST(DiskDirectories, TheyStandBesideTheFirst) {
   EXPECT_EQ(DiskDirectory("C:\\Out\\DISK1", 1), "C:\\Out\\DISK1");
   EXPECT_EQ(DiskDirectory("C:\\Out\\DISK1", 12), "C:\\Out\\DISK12");

@@ -514,6 +514,30 @@ TEST_F(SetupControlFile, TheScriptIsInTheAnsiCodePage) {
                                                         "fen 5 \x80\r\n"));
 }
 
+TEST_F(SetupControlFile, AScriptThatFillsTheRoomLeftOnDisk1IsNothingToMention) {
+  steps_.info.german[0] = std::string(40'000, 'x');
+  CreateState state = world_.MakeState();
+  state.first_disk_free_bytes = Script().size() - 32'000;
+
+  EXPECT_TRUE(WriteSetupControlFile(world_.application, world_.view, state));
+
+  EXPECT_THAT(world_.messages.shown, IsEmpty());
+}
+
+TEST_F(SetupControlFile, AScriptThatOverfillsDisk1IsWrittenWholeAndMessage1932SaysByHowMuch) {
+  steps_.info.german[0] = std::string(40'000, 'x');
+  CreateState state = world_.MakeState();
+  state.first_disk_free_bytes = Script().size() - 32'000 - 7;
+
+  EXPECT_TRUE(WriteSetupControlFile(world_.application, world_.view, state));
+
+  EXPECT_EQ(world_.files.Contents(kScript), Script());
+  ASSERT_EQ(world_.messages.shown.size(), 1u);
+  EXPECT_EQ(world_.messages.shown[0].prompt,
+            "The setup control file 'SETUP.STP' is larger than the room left for it: disk 1 holds "
+            "7 bytes more than the medium!\r\nSelect a larger medium format!");
+}
+
 TEST_F(SetupControlFile, ACharacterThatTheCodePageLacksLeavesThePlaceholder) {
   steps_.info.german[0] = "Čapek";
 
