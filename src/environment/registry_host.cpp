@@ -169,8 +169,8 @@ std::string NewPlaceOf(Hive hive, std::string_view key) {
 struct HostRegistry::State {
   explicit State(const std::string& path_in) : path(path_in) {}
 
-  // The file as it is now. Throws kPathFileAccess and kInvalidCall; the registry is then empty
-  // until the file changes.
+  // The file as it is now. Throws kPathFileAccess and kInvalidCall; the registry then stays as it
+  // was read before.
   RegistryFile& Load() {
     struct stat status = {};
     Stamp now;
@@ -183,7 +183,6 @@ struct HostRegistry::State {
   }
 
   RegistryFile& Reload() {
-    file = RegistryFile();
     stamp = {};
     failure.reset();
     read_at_ns = NowNs();
@@ -198,7 +197,8 @@ struct HostRegistry::State {
     throw RuntimeError(*failure);
   }
 
-  // Nothing is seen of a file that cannot be read.
+  // A share that is away for a moment must not look like a computer without projects and type
+  // libraries: nobody would be told.
   const RegistryFile& LoadForReading() {
     try {
       return Load();
@@ -213,32 +213,38 @@ struct HostRegistry::State {
     const std::string target = Resolve(path);
     const Lock lock(target + ".lock");
     Reload();
-    is_loaded = false;  // what is held while it is edited is not what the file says
+    // What is held while it is edited is not what the file says.
+    is_loaded = false;
+    RegistryFile edited = std::exchange(file, RegistryFile());
     std::string bytes;
     try {
-      if (!edit(file)) {
+      if (!edit(edited)) {
+        file = std::move(edited);
         is_loaded = true;
         return;
       }
-      bytes = file.Bytes();
+      bytes = edited.Bytes();
     } catch (const RuntimeError& error) {
       ThrowAbout(error.Number(), path, error.Description());
     }
     Replace(target, bytes);
+    file = std::move(edited);
     struct stat status = {};
     if (stat(path.c_str(), &status) == 0) stamp = StampOf(status);
     read_at_ns = NowNs();
     is_loaded = true;
   }
 
-  // Takes the stamp of what it reads. A missing file has no bytes.
+  // Takes the stamp of what it reads. A missing file has no bytes; but one that was there and is
+  // gone must not be made anew with one value in it.
   std::string ReadBytes() {
     const auto require = [](bool succeeded) {
       if (!succeeded) throw RuntimeError(ErrorNumber::kPathFileAccess, std::strerror(errno));
     };
     const Descriptor opened(OpenRetrying(path, O_RDONLY | O_NONBLOCK));
-    if (!opened.IsOpen() && errno == ENOENT) return {};
+    if (!opened.IsOpen() && errno == ENOENT && !was_there) return {};
     require(opened.IsOpen());
+    was_there = true;
     struct stat status = {};
     require(fstat(opened.Get(), &status) == 0);
     if (!S_ISREG(status.st_mode)) throw RuntimeError(ErrorNumber::kPathFileAccess, "Not a file");
@@ -260,6 +266,7 @@ struct HostRegistry::State {
   std::int64_t read_at_ns = 0;
   std::optional<RuntimeError> failure;  // why the file could not be read
   bool is_loaded = false;
+  bool was_there = false;
 };
 
 HostRegistry::HostRegistry(std::string path)

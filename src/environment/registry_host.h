@@ -32,15 +32,16 @@ class HostRegistry : public Registry {
   explicit HostRegistry(std::string path);
   ~HostRegistry() override;
 
-  // A file that has become unreadable since is an empty registry to readers.
+  // Of a file that is gone or has become unreadable since, readers see what it was when it was
+  // last read.
   [[nodiscard]] std::optional<RegistryValue> Read(Hive hive, std::string_view key,
                                                   std::string_view name) const override;
   [[nodiscard]] std::vector<std::string> Subkeys(Hive hive, std::string_view key) const override;
 
   // Throw kPathNotFound when the folder of the file is missing, kPermissionDenied when another
-  // process keeps the lock for ten seconds, kPathFileAccess when the file is read-only or cannot be
-  // read, kInvalidCall when it is no registry export or cannot hold the value; the file is then as
-  // it was.
+  // process keeps the lock for ten seconds, kPathFileAccess when the file is read-only, cannot be
+  // read, or was there and is gone, kInvalidCall when it is no registry export or cannot hold the
+  // value; the file is then as it was.
   void Write(Hive hive, std::string_view key, std::string_view name,
              const RegistryValue& value) override;
   // An empty key is a whole hive: kInvalidCall.

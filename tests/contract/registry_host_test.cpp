@@ -228,9 +228,6 @@ TEST_F(HostRegistryTest, AFileThatChangesIsReadAgain) {
 
   PutKeys("[HKEY_CURRENT_USER\\k]\r\n\"a\"=\"2\"\r\n");  // same length, likely the same tick
   EXPECT_EQ(registry.Read(kUser, "k", "a"), RegistryValue("2"));
-
-  std::filesystem::remove(path);
-  EXPECT_FALSE(registry.Read(kUser, "k", "a"));
 }
 
 TEST_F(HostRegistryTest, AJunkFileIsRefusedAndKept) {
@@ -247,18 +244,44 @@ TEST_F(HostRegistryTest, AJunkFileIsRefusedAndKept) {
   EXPECT_EQ(Bytes(), junk);
 }
 
-TEST_F(HostRegistryTest, AFileThatBecomesJunkIsEmptyToReadersAndNeverOverwritten) {
+TEST_F(HostRegistryTest, AFileThatBecomesJunkStaysAsItWasToReadersAndIsNeverOverwritten) {
   PutKeys("[HKEY_CURRENT_USER\\k]\r\n\"a\"=\"1\"\r\n");
   HostRegistry registry(path);
 
   Put("not an export");
 
-  EXPECT_FALSE(registry.Read(kUser, "k", "a"));
-  EXPECT_THAT(registry.Subkeys(kUser, "k"), IsEmpty());
+  EXPECT_EQ(registry.Read(kUser, "k", "a"), RegistryValue("1"));
   EXPECT_EQ(NumberThrownBy([&] { registry.Write(kUser, "k", "a", "2"); }),
             ErrorNumber::kInvalidCall);
+  EXPECT_EQ(registry.Read(kUser, "k", "a"), RegistryValue("1"));
   EXPECT_EQ(NumberThrownBy([&] { registry.RemoveKey(kUser, "k"); }), ErrorNumber::kInvalidCall);
   EXPECT_EQ(Bytes(), "not an export");
+
+  PutKeys("[HKEY_CURRENT_USER\\k]\r\n\"a\"=\"3\"\r\n");
+  EXPECT_EQ(registry.Read(kUser, "k", "a"), RegistryValue("3"));
+}
+
+TEST_F(HostRegistryTest, AFileThatCannotBeReadForAMomentStaysAsItWasToReaders) {
+  PutKeys("[HKEY_CURRENT_USER\\k\\sub]\r\n\"a\"=\"1\"\r\n");
+  const HostRegistry registry(path);
+
+  std::filesystem::remove(path);
+  std::filesystem::create_directory(path);
+
+  EXPECT_EQ(registry.Read(kUser, "k\\sub", "a"), RegistryValue("1"));
+  EXPECT_THAT(registry.Subkeys(kUser, "k"), ElementsAre("sub"));
+}
+
+TEST_F(HostRegistryTest, AFileThatIsGoneStaysAsItWasToReadersAndIsNotMadeAnew) {
+  PutKeys("[HKEY_CURRENT_USER\\k]\r\n\"a\"=\"1\"\r\n");
+  HostRegistry registry(path);
+
+  std::filesystem::remove(path);
+
+  EXPECT_EQ(registry.Read(kUser, "k", "a"), RegistryValue("1"));
+  EXPECT_EQ(NumberThrownBy([&] { registry.Write(kUser, "k", "b", "2"); }),
+            ErrorNumber::kPathFileAccess);
+  EXPECT_FALSE(std::filesystem::exists(path));
 
   PutKeys("[HKEY_CURRENT_USER\\k]\r\n\"a\"=\"3\"\r\n");
   EXPECT_EQ(registry.Read(kUser, "k", "a"), RegistryValue("3"));
