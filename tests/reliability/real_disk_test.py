@@ -34,6 +34,7 @@ ROUNDS = int(os.environ.get("TXS_ROUNDS", "70"))
 
 LOCK = "~TXSetup.lock"
 IN_USE_GERMAN = "arbeitet gerade ein anderer Setup-Assistent oder ein TXSetupTool!"
+READ_ONLY = "Read-only file system"
 IN_USE_ENGLISH = "Another Setup Wizard or TXSetupTool is working in the project directory"
 
 
@@ -104,6 +105,10 @@ class RealDisk(unittest.TestCase):
             if "/Setup/" not in name and "~TEMP" not in name and not name.endswith(".log")
         }
 
+    @staticmethod
+    def lines_with(words, text):
+        return [line for line in text.splitlines() if words in line]
+
     def assert_complete(self, studio, project, expected):
         code, _, err = self.create(studio, project)
         self.assertEqual(code, 0, err + self.log(studio, project))
@@ -129,12 +134,19 @@ class RealDisk(unittest.TestCase):
         before = self.sources(studio)
         killed = 0
         for round_number in range(ROUNDS):
-            process = self.start(studio, WIZARD, "/c=" + PLANT)
-            # Every part of the run in turn, at a random moment of it.
-            time.sleep((round_number + self.random.random()) / ROUNDS * seconds)
-            process.kill()
-            process.communicate()
-            killed += process.returncode == -signal.SIGKILL
+            # A machine that is less busy than it was when the time was taken has ended its run
+            # before the last of the moments: the next one is killed earlier.
+            for _ in range(4):
+                process = self.start(studio, WIZARD, "/c=" + PLANT)
+                # Every part of the run in turn, at a random moment of it.
+                time.sleep((round_number + self.random.random()) / ROUNDS * seconds)
+                process.kill()
+                process.communicate()
+                if process.returncode == -signal.SIGKILL:
+                    killed += 1
+                    break
+                self.assertEqual(process.returncode, 0)
+                seconds *= 0.9
             after = self.sources(studio)
             after.pop(f"drive_c/Projekte/{PLANT}/{LOCK}", None)
             self.assertEqual(after, before)
@@ -142,8 +154,7 @@ class RealDisk(unittest.TestCase):
                 self.assert_complete(studio, PLANT, expected)
                 self.assertEqual(self.sources(studio), before)
         self.assert_complete(studio, PLANT, expected)
-        # Those that were killed before they began or had ended already are no rounds.
-        self.assertGreater(killed, 0)
+        self.assertGreaterEqual(killed, ROUNDS * 3 // 4)
         report("rounds of Create killed", killed)
 
     def kill_worker(self, studio, seconds, *task):
@@ -317,7 +328,7 @@ class RealDisk(unittest.TestCase):
             else:
                 self.assertEqual(code, 1)
                 full += 1
-                self.assertRegex(said, r"No space left|\(4\)")
+                self.assertIn("No space left on device", said)
             self.assertEqual(self.sources(studio), before)
         self.assertGreater(full, steps // 2)
 
@@ -348,12 +359,22 @@ class RealDisk(unittest.TestCase):
         self.remount(place, "ro")
         code, _, err = self.create(studio)
         self.assertEqual(code, 1)
-        self.assertRegex(err, r"\(70: .*Read-only file system\)")
-        self.assertEqual(err.count("(70: "), 1, err)
+        windows = f"C:\\Projekte\\{PLANT}\\"
+        # Once what the run could not do, and once that the log could not take it.
+        self.assertEqual(
+            self.lines_with(READ_ONLY, err),
+            [
+                f"(70: {windows}~TEMP: {READ_ONLY})",
+                f"{windows}TXSetupWizard.log: {READ_ONLY}",
+            ],
+        )
         code, _, err = self.run_program(studio, TOOL, "scan", PLANT, "--save")
         self.assertEqual(code, 1)
+        self.assertEqual(err.count("message "), 1, err)
         self.assertIn("message 911: ", err)
-        self.assertIn("Read-only file system", err)
+        self.assertEqual(
+            self.lines_with(READ_ONLY, err), [f"(70: {windows}{PLANT}.swz: {READ_ONLY})"]
+        )
         self.assertEqual(digests(studio), before)
 
         # What is only read may be read-only.
@@ -370,7 +391,11 @@ class RealDisk(unittest.TestCase):
         self.remount(place / "Setup", "ro")
         code, _, err = self.create(studio)
         self.assertEqual(code, 1)
-        self.assertIn("(70: ", err + self.log(studio))
+        self.assertEqual(err, "")
+        self.assertEqual(
+            self.lines_with(READ_ONLY, self.log(studio)),
+            [f"(70: {windows}Setup\\DISK1: {READ_ONLY})"],
+        )
         report("read-only directories", 3)
 
 
