@@ -1,9 +1,11 @@
 #include "create/create_run.h"
 
+#include <algorithm>
 #include <exception>
 #include <functional>
 #include <memory>
 #include <unordered_set>
+#include <vector>
 
 #include "create/compression.h"
 #include "create/setup_control_file.h"
@@ -72,20 +74,6 @@ bool Prepare(Application& application) {
   return prepared && CheckDocument(application, Step::kAll);
 }
 
-bool MakeTemporaryDirectory(Application& application, CreateState& state) {
-  const std::string no_subject;
-  return AtWorkBorder(application, kMessageTemporaryDirectory, no_subject, [&] {
-    // Without a project directory this would be \~TEMP of whatever drive is current.
-    if (application.project.directory.empty()) {
-      throw RuntimeError(ErrorNumber::kPathNotFound, "The project has no directory");
-    }
-    state.temporary_directory = application.project.TemporaryDirectory();
-    application.platform.files.RemoveTree(state.temporary_directory);
-    application.platform.files.MakeFolder(state.temporary_directory);
-    return true;
-  });
-}
-
 std::string ResolveOutputDirectory(const Application& application) {
   std::string directory = NormalizeDirectory(FromVariableForm(
       application.document.path_variables, application.document.steps.setup_directory));
@@ -105,33 +93,74 @@ std::string FoldedFolder(std::string_view directory) {
   return folded;
 }
 
-// The pattern DISK* also matches a folder such as "DiskMonitor" beside the output. Whoever builds
-// into the parent of the project must not lose the project.
-class ProtectedPlaces {
+// Folders that are going to be deleted with all that is in them. A user may have something there
+// that is not ours: whoever builds into the parent of the project, where the pattern DISK* also
+// matches a folder such as "DiskMonitor", must not lose the project.
+class DoomedFolders {
  public:
-  ProtectedPlaces(std::string_view output_directory, const std::vector<FileEntry>& old_disks)
-      : output_(FoldedFolder(output_directory)) {
-    for (const FileEntry& entry : old_disks) {
-      if (entry.is_folder) old_disks_.insert(FoldCase(entry.name));
+  DoomedFolders(const FileSystem& files, const std::vector<std::string>& folders) : files_(files) {
+    for (const std::string& folder : folders) {
+      folders_.push_back(FoldedFolder(folder));
+      folders_.push_back(FoldedFolder(files.FinalPath(folder)));
     }
   }
 
-  // Throws when `path` lies in one of the folders to be removed.
-  void Check(std::string_view path) const {
-    if (old_disks_.empty()) return;
-    const std::string folded = FoldedFolder(path);
-    if (!folded.starts_with(output_)) return;
-    const std::size_t end = folded.find('\\', output_.size());
-    if (old_disks_.contains(folded.substr(output_.size(), end - output_.size()))) {
+  // Throws when `folder` is one of them or lies in one, be it by another name: with "..", by a
+  // share, a substituted drive or a link. `subject` is what the user knows it by.
+  void Spare(std::string_view folder, std::string_view subject) {
+    if (folders_.empty() || folder.empty()) return;
+    const std::string folded = FoldedFolder(folder);
+    if (!seen_.insert(folded).second) return;
+    if (Holds(folded) || Holds(FoldedFolder(files_.FinalPath(folder)))) {
       throw RuntimeError(ErrorNumber::kPathFileAccess,
-                         std::string(path) + ": lies in a DISK folder that would be deleted");
+                         std::string(subject) + ": lies in a folder that would be deleted");
+    }
+  }
+
+  // The same for everything that the run reads.
+  void SpareSources(Application& application) {
+    const std::string kit = application.installation.SetupKitDirectory();
+    Spare(application.project.directory, application.project.directory);
+    Spare(kit, kit);
+    const PathVariableList& variables = application.document.path_variables;
+    const auto spare_file = [&](const std::string& text) {
+      const std::string path = SourcePath(variables, text);
+      Spare(ParentFolder(path), path);
+    };
+    for (const FileRow* row : application.document.AllRows()) spare_file(row->source);
+    const Bilingual<std::string>& pictures = application.document.steps.background_picture;
+    for (const std::string* picture : {&pictures.german, &pictures.english}) {
+      if (!picture->empty()) spare_file(*picture);
     }
   }
 
  private:
-  std::string output_;
-  std::unordered_set<std::string> old_disks_;
+  [[nodiscard]] bool Holds(std::string_view folded) const {
+    return std::ranges::any_of(
+        folders_, [&](const std::string& folder) { return folded.starts_with(folder); });
+  }
+
+  const FileSystem& files_;
+  std::vector<std::string> folders_;
+  std::unordered_set<std::string> seen_;  // thousands of files lie in a few folders
 };
+
+bool MakeTemporaryDirectory(Application& application, CreateState& state) {
+  const std::string no_subject;
+  return AtWorkBorder(application, kMessageTemporaryDirectory, no_subject, [&] {
+    // Without a project directory this would be \~TEMP of whatever drive is current.
+    if (application.project.directory.empty()) {
+      throw RuntimeError(ErrorNumber::kPathNotFound, "The project has no directory");
+    }
+    FileSystem& files = application.platform.files;
+    const std::string directory = application.project.TemporaryDirectory();
+    DoomedFolders(files, {directory}).SpareSources(application);
+    state.temporary_directory = directory;
+    files.RemoveTree(state.temporary_directory);
+    files.MakeFolder(state.temporary_directory);
+    return true;
+  });
+}
 
 // Nothing when the directory does not exist yet. Asked of List alone: FolderExists also says "no"
 // when it could not find out, and disks left from an earlier run would go out with the new ones.
@@ -146,29 +175,28 @@ std::vector<FileEntry> ListOldDisks(const FileSystem& files, const std::string& 
 
 void RemoveOldDisks(Application& application, const std::string& output_directory) {
   FileSystem& files = application.platform.files;
-  const std::vector<FileEntry> old_disks = ListOldDisks(files, output_directory);
-
-  const ProtectedPlaces places(output_directory, old_disks);
-  places.Check(application.project.directory);
-  places.Check(application.installation.SetupKitDirectory());
-  for (const FileRow* row : application.document.AllRows()) {
-    places.Check(FromVariableForm(application.document.path_variables, row->source));
+  std::vector<std::string> old_disks;
+  for (const FileEntry& entry : ListOldDisks(files, output_directory)) {
+    if (entry.is_folder) old_disks.push_back(JoinPath(output_directory, entry.name));
   }
+  DoomedFolders(files, old_disks).SpareSources(application);
+  for (const std::string& disk : old_disks) files.RemoveTree(disk);
+}
 
-  for (const FileEntry& entry : old_disks) {
-    if (entry.is_folder) files.RemoveTree(JoinPath(output_directory, entry.name));
-  }
+// Before anything is deleted: ~TEMP is emptied first.
+bool ChooseOutputDirectory(Application& application, CreateState& state) {
+  const std::string no_subject;
+  return AtWorkBorder(application, kMessageOutputDirectory, no_subject, [&] {
+    state.output_directory = ResolveOutputDirectory(application);
+    DoomedFolders(application.platform.files, {application.project.TemporaryDirectory()})
+        .Spare(state.output_directory, state.output_directory);
+    return true;
+  });
 }
 
 bool MakeOutputDirectory(Application& application, CreateState& state) {
   const std::string no_subject;
   return AtWorkBorder(application, kMessageOutputDirectory, no_subject, [&] {
-    state.output_directory = ResolveOutputDirectory(application);
-    // Both would be emptied or removed together.
-    if (FoldedFolder(state.output_directory).starts_with(FoldedFolder(state.temporary_directory))) {
-      throw RuntimeError(ErrorNumber::kPathFileAccess,
-                         state.output_directory + ": lies in the temporary directory");
-    }
     RemoveOldDisks(application, state.output_directory);
     const std::string_view separator = state.output_directory.back() == '\\' ? "" : "\\";
     state.first_disk_directory.append(state.output_directory).append(separator).append("DISK1");
@@ -180,9 +208,9 @@ bool MakeOutputDirectory(Application& application, CreateState& state) {
 // Stage 405.
 bool MakeDirectories(Application& application, CreateView& view, CreateState& state) {
   if (CancelledMeanwhile(view)) return false;
-  if (!MakeTemporaryDirectory(application, state)) return false;
   state.medium_bytes = MediumSizeBytes(application.document.steps.disk_size_index);
-  return MakeOutputDirectory(application, state);
+  return ChooseOutputDirectory(application, state) && MakeTemporaryDirectory(application, state) &&
+         MakeOutputDirectory(application, state);
 }
 
 bool RunStages(Application& application, CreateView& view, CreateState& state) {

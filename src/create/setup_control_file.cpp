@@ -57,7 +57,7 @@ class ScriptWriter {
     for (const FileRow* row : rows) {
       ScriptFile& file = files_.emplace_back();
       file.row = row;
-      file.path = FromVariableForm(application.document.path_variables, row->source);
+      file.path = SourcePath(application.document.path_variables, row->source);
       file.name = FileName(file.path);
     }
     text_.reserve(kBytesOfFrame + rows.size() * kBytesPerRow);

@@ -46,8 +46,7 @@ MaybeFinding CheckPictures(Application& application, Finding& doing) {
   for (const std::string* picture : {&pictures.german, &pictures.english}) {
     if (picture->empty()) continue;
     doing = {kPictureMissing, {*picture}};
-    const std::string path =
-        NormalizeDirectory(FromVariableForm(document.path_variables, *picture));
+    const std::string path = SourcePath(document.path_variables, *picture);
     if (!application.platform.files.FileExists(path)) return Finding{kPictureMissing, {path}};
   }
   return std::nullopt;
@@ -72,8 +71,8 @@ MaybeFinding CheckDirectories(const StepSettings& steps, Finding& doing) {
 // Whether the row's file is there. The stamp answers that and the length with one call, which
 // counts when the files are many or lie on a server.
 bool TakeLength(Application& application, FileRow& row) {
-  const std::optional<FileStamp> stamp = application.platform.files.Stamp(
-      FromVariableForm(application.document.path_variables, row.source));
+  const std::optional<FileStamp> stamp =
+      application.platform.files.Stamp(SourcePath(application.document.path_variables, row.source));
   row.length_bytes.reset();
   if (stamp) row.length_bytes = stamp->length_bytes;
   return stamp.has_value();
@@ -124,8 +123,7 @@ std::string MarkedFiles(Application& application) {
   std::size_t count = 0;
   for (const FileRow* const row : application.document.AllRows()) {
     if (!row->marked || ++count > kMostNamed) continue;
-    const std::string path =
-        NormalizeDirectory(FromVariableForm(document.path_variables, row->source));
+    const std::string path = SourcePath(document.path_variables, row->source);
     names += "\r\n" + (path.empty() ? "\"\"" : path);
   }
   if (count > kMostNamed) names += "\r\n...";

@@ -108,4 +108,8 @@ std::string FromVariableForm(const PathVariableList& variables, std::string_view
   return result;
 }
 
+std::string SourcePath(const PathVariableList& variables, std::string_view text) {
+  return NormalizeDirectory(FromVariableForm(variables, text));
+}
+
 }  // namespace txs

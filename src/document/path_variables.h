@@ -47,4 +47,8 @@ void SetPathVariable(PathVariableList& variables, std::string_view name, std::st
 [[nodiscard]] std::string FromVariableForm(const PathVariableList& variables,
                                            std::string_view text);
 
+// The full path of the file that a list or a box names: variables resolved, and tidied, since the
+// project's directory may be stored with a backslash at its end. Throws as FromVariableForm.
+[[nodiscard]] std::string SourcePath(const PathVariableList& variables, std::string_view text);
+
 }  // namespace txs

@@ -134,6 +134,11 @@ class FileSystem : public FileReader {
   // Makes the folder and its missing parents; nothing happens when it exists.
   virtual void MakeFolder(std::string_view folder) = 0;
 
+  // What the system itself calls an existing file or folder, with links and substituted drives
+  // resolved: to be compared with another one, not to be opened. `path` when it is not there or
+  // cannot be asked.
+  [[nodiscard]] virtual std::string FinalPath(std::string_view path) const = 0;
+
   // Drives in alphabetical order, each as "C:".
   [[nodiscard]] virtual std::vector<std::string> Drives() const = 0;
 

@@ -646,6 +646,16 @@ std::optional<FileStamp> HostFileSystem::Stamp(std::string_view path) const {
   }
 }
 
+std::string HostFileSystem::FinalPath(std::string_view path) const {
+  try {
+    std::string real = RealPath(Locate(path).Path());
+    std::ranges::replace(real, '/', '\\');
+    return real.empty() ? std::string(path) : real;
+  } catch (const RuntimeError&) {
+    return std::string(path);
+  }
+}
+
 std::unique_ptr<InputFile> HostFileSystem::OpenForReading(std::string_view path) const {
   // A pipe or a device must not hold the program up.
   Descriptor file(OpenRetrying(ExactPath(path), O_RDONLY | O_NONBLOCK));

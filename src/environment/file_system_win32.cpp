@@ -514,6 +514,27 @@ std::optional<FileStamp> WindowsFileSystem::Stamp(std::string_view path) const {
   }
 }
 
+std::string WindowsFileSystem::FinalPath(std::string_view path) const {
+  try {
+    const KernelHandle place(CreateFileW(Native(Absolute(path)).c_str(), /*access=*/0,
+                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                         nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS,
+                                         nullptr));
+    if (!place.IsOpen()) return std::string(path);
+    std::wstring name(MAX_PATH, L'\0');
+    for (;;) {
+      const DWORD length = GetFinalPathNameByHandleW(
+          place.Get(), name.data(), static_cast<DWORD>(name.size()), FILE_NAME_NORMALIZED);
+      if (length == 0) return std::string(path);
+      const bool fits = length < name.size();
+      name.resize(length);
+      if (fits) return ToUtf8(name);
+    }
+  } catch (const RuntimeError&) {
+    return std::string(path);
+  }
+}
+
 std::unique_ptr<InputFile> WindowsFileSystem::OpenForReading(std::string_view path) const {
   const std::wstring absolute = Absolute(path);
   static_cast<void>(RequireFile(path, absolute));

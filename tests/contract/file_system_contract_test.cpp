@@ -66,6 +66,17 @@ TYPED_TEST(FileSystemContract, AFileIsReadBackAsItWasWritten) {
   EXPECT_EQ(this->files.Length("C:\\Demo\\x.bin"), 5u);
 }
 
+TYPED_TEST(FileSystemContract, APlaceHasOneFinalPathUnderAllItsNames) {
+  this->files.MakeFolder("C:\\Demo\\sub");
+  this->Write("C:\\Demo\\sub\\x.bin", "x");
+
+  const std::string folder = this->files.FinalPath("C:\\Demo\\sub");
+  EXPECT_EQ(this->files.FinalPath("c:/demo\\\\SUB\\..\\Sub\\"), folder);
+  EXPECT_EQ(this->files.FinalPath("C:\\demo\\sub\\X.BIN"), folder + "\\x.bin");
+  EXPECT_NE(this->files.FinalPath("C:\\Demo"), folder);
+  EXPECT_EQ(this->files.FinalPath("C:\\Demo\\nothing\\here"), "C:\\Demo\\nothing\\here");
+}
+
 TYPED_TEST(FileSystemContract, EmptyAndLargeFilesAreReadWhole) {
   const std::string large(3 * 1024 * 1024 + 1, 'x');
   this->Write("C:\\Demo\\empty", "");

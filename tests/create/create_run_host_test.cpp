@@ -179,6 +179,18 @@ TEST_F(CreateRunOnHost, OldDisksGoWhateverTheyHoldAndFilesNamedLikeDisksStay) {
   EXPECT_EQ(ReadHostFile(folder_.Path() / "elsewhere" / "precious"), "not ours");
 }
 
+TEST_F(CreateRunOnHost, AProjectInAFolderNamedLikeADiskIsNotDeletedByAnotherNameOfItsParent) {
+  WriteHostFile(drive_ / "Projects" / "DiskMonitor" / "Monitor.txs", "the project");
+  fs::create_directory_symlink(drive_ / "Projects", drive_ / "Link");
+  application_.project.directory = "C:\\Projects\\DiskMonitor";
+  application_.document.steps.setup_directory = "C:\\Link";
+
+  EXPECT_FALSE(Run().succeeded);
+
+  EXPECT_THAT(messages_.Ids(), ElementsAre(906));
+  EXPECT_EQ(ReadHostFile(drive_ / "Projects" / "DiskMonitor" / "Monitor.txs"), "the project");
+}
+
 TEST_F(CreateRunOnHost, AFileInThePlaceOfTheFirstDiskIsMessage906) {
   WriteHostFile(output_ / "DISK1", "a file");
 

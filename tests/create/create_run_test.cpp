@@ -398,6 +398,68 @@ TEST_F(CreateRun, AListedFileInAFolderNamedLikeADiskIsNotDeleted) {
   EXPECT_TRUE(world_.files.Has("C:\\Demo\\Setup\\disks for x\\driver.sys"));
 }
 
+TEST_F(CreateRun, AProjectInAFolderNamedLikeADiskIsNotDeletedByTheNameOfItsParentEither) {
+  world_.application.project.directory = "C:\\Projects\\DiskMonitor";
+  world_.files.AddFile("C:\\Projects\\DiskMonitor\\Monitor.txs", "the project");
+  document_.steps.setup_directory = "C:\\Projects\\DiskMonitor\\..";
+
+  EXPECT_FALSE(world_.Run().succeeded);
+
+  EXPECT_THAT(world_.messages.Ids(), ElementsAre(906));
+  EXPECT_TRUE(world_.files.Has("C:\\Projects\\DiskMonitor\\Monitor.txs"));
+}
+
+TEST_F(CreateRun, AListedFileThatGoesThroughItsParentIsNotDeletedEither) {
+  world_.Add("C:\\Demo\\Setup\\..\\Setup\\disks for x\\driver.sys", "driver");
+
+  EXPECT_FALSE(world_.Run().succeeded);
+
+  EXPECT_THAT(world_.messages.Ids(), ElementsAre(906));
+  EXPECT_TRUE(world_.files.Has("C:\\Demo\\Setup\\disks for x\\driver.sys"));
+}
+
+TEST_F(CreateRun, ABackgroundPictureInAFolderNamedLikeADiskIsNotDeleted) {
+  document_.steps.background_picture.english = "<ProjectDir>\\Setup\\DiskMonitor\\x.bmp";
+  world_.files.AddFile("C:\\Demo\\Setup\\DiskMonitor\\x.bmp", "picture");
+
+  EXPECT_FALSE(world_.Run().succeeded);
+
+  EXPECT_THAT(world_.messages.Ids(), ElementsAre(906));
+  EXPECT_TRUE(world_.files.Has("C:\\Demo\\Setup\\DiskMonitor\\x.bmp"));
+}
+
+TEST_F(CreateRun, AListedFileInTheTemporaryDirectoryIsMessage905AndNotDeleted) {
+  world_.files.AddFile("C:\\Demo\\~TEMP\\b.dat", "listed");
+  document_.files.Append("<TempDir>\\b.dat", "<ProjectDir>", "");
+
+  EXPECT_FALSE(world_.Run().succeeded);
+
+  EXPECT_THAT(world_.messages.Ids(), ElementsAre(905));
+  EXPECT_TRUE(world_.files.Has("C:\\Demo\\~TEMP\\b.dat"));
+  EXPECT_FALSE(PlanCreate(world_.application, world_.view));
+  EXPECT_TRUE(world_.files.Has("C:\\Demo\\~TEMP\\b.dat"));
+}
+
+TEST_F(CreateRun, AnOutputDirectoryInTheTemporaryDirectoryIsRefusedBeforeItIsEmptied) {
+  world_.files.AddFile("C:\\Demo\\~TEMP\\Setup\\DISK1\\old.zip", "of an earlier run");
+  document_.steps.setup_directory = "<ProjectDir>\\~TEMP\\Setup";
+
+  EXPECT_FALSE(world_.Run().succeeded);
+
+  EXPECT_THAT(world_.messages.Ids(), ElementsAre(906));
+  EXPECT_TRUE(world_.files.Has("C:\\Demo\\~TEMP\\Setup\\DISK1\\old.zip"));
+}
+
+TEST_F(CreateRun, ASourceWithABackslashAtItsEndIsTheFileInTheScriptToo) {
+  world_.files.AddFile("C:\\Demo\\a.txt", "listed");
+  document_.files.Append("<ProjectDir>\\a.txt\\", "<ProjectDir>", "");
+
+  EXPECT_TRUE(world_.Run().succeeded);
+
+  EXPECT_THAT(world_.Output().at("DISK1\\SETUP.STP"),
+              HasSubstr("InstallFile(a.txt.zip|<ProjectDir>\\a.txt|6|"));
+}
+
 TEST_F(CreateRun, ATemporaryDirectoryThatCannotBeEmptiedIsMessage905) {
   world_.files.AddFile("C:\\Demo\\~TEMP\\old.zip", "in use");
   world_.files.FailPath(kTemporary, "RemoveTree", ErrorNumber::kPermissionDenied);

@@ -222,6 +222,12 @@ std::optional<FileStamp> MemoryFileSystem::Stamp(std::string_view path) const {
   return FileStamp{node->bytes->size(), node->last_write};
 }
 
+std::string MemoryFileSystem::FinalPath(std::string_view path) const {
+  if (!CountQuietly("FinalPath", path)) return std::string(path);
+  const Node* node = Find(path);
+  return node == nullptr ? std::string(path) : node->spelled;
+}
+
 std::unique_ptr<InputFile> MemoryFileSystem::OpenForReading(std::string_view path) const {
   Count("OpenForReading", path);
   return std::make_unique<MemoryInputFile>(*this, std::string(path), NeedFile(path).bytes);

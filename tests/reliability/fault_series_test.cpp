@@ -337,7 +337,8 @@ const Scenario kScenarios[] = {
 
 // Operations that answer "no" instead of failing.
 bool IsQuestion(const std::string& operation) {
-  return operation == "FileExists" || operation == "FolderExists" || operation == "Stamp";
+  return operation == "FileExists" || operation == "FolderExists" || operation == "Stamp" ||
+         operation == "FinalPath";
 }
 
 struct Reason {
