@@ -22,14 +22,22 @@ std::uint64_t TotalLength(const std::vector<FileRow*>& rows) {
   return total;
 }
 
-// The codes are the library's own and say little to a user: the reason stands below, where the
-// library gives one.
-void ShowResultCode(Application& application, const std::string& source, ArchiveResult code) {
+// The codes are the library's own and say little to a user: the reason stands below, where there is
+// one.
+void ShowResultCode(Application& application, const std::string& source, ArchiveResult code,
+                    const std::string& reason) {
   Message message = application.texts.Compose(kMessageCompressing, {source});
   message.prompt += "\r\n(" + std::to_string(static_cast<int>(code)) + ")";
-  const std::string reason = application.platform.archiver.FailureReason();
   if (!reason.empty()) message.prompt += "\r\n" + reason;
   application.messages.ShowMessage(message);
+}
+
+// The script tells the setup engine the length that the row had when the run began. A file that has
+// another one by now, as when somebody builds the program just then, would be refused there.
+bool HasItsLength(const Application& application, const FileRow& row, const std::string& source) {
+  if (!row.length_bytes) return true;
+  const std::optional<FileStamp> stamp = application.platform.files.Stamp(source);
+  return stamp && stamp->length_bytes == *row.length_bytes;
 }
 
 }  // namespace
@@ -67,9 +75,7 @@ bool CompressFiles(Application& application, CreateView& view, const CreateState
     const BusyPointer busy(view);
     for (std::size_t i = 0; i < rows.size(); ++i) {
       FileRow& row = *rows[i];
-      // The project's directory may be stored with a backslash at its end.
-      source =
-          NormalizeDirectory(FromVariableForm(application.document.path_variables, row.source));
+      source = SourcePath(application.document.path_variables, row.source);
       view.ShowFile(source);
       if (row.compressed_name.empty()) row.compressed_name = names.Next(source);
       const std::string archive = JoinPath(state.temporary_directory, row.compressed_name);
@@ -77,7 +83,12 @@ bool CompressFiles(Application& application, CreateView& view, const CreateState
 
       const ArchiveResult code = application.platform.archiver.Compress(archive, source);
       if (code != ArchiveResult::kSuccess) {
-        ShowResultCode(application, source, code);
+        ShowResultCode(application, source, code, application.platform.archiver.FailureReason());
+        return false;
+      }
+      if (!HasItsLength(application, row, source)) {
+        ShowResultCode(application, source, ArchiveResult::kSourceChanged,
+                       source + ": The file has changed during the run");
         return false;
       }
       if (CancelledMeanwhile(view)) return false;

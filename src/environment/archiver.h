@@ -14,7 +14,7 @@ enum class ArchiveResult : int {
   kArchiveNotCreated = 3,
   kDiskFull = 4,
   kWriteError = 5,
-  kSourceChanged = 6,  // the source was cut short while it was read
+  kSourceChanged = 6,  // the source was changed while it was read
   kOutOfMemory = 7,
   kUnexpected = 99,
 };

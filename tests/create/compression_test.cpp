@@ -165,6 +165,32 @@ TEST_F(Compression, TheSystemsWordsStandBelowTheResultCode) {
                          "C:\\Demo\\~TEMP\\a.dat.zip: "));
 }
 
+// The setup engine would find another length than the script says.
+TEST_F(Compression, AFileThatHasGrownSinceTheCheckIsRefused) {
+  FileRow& row = world_.Add("<ProjectDir>\\a.dat", "a");
+  row.length_bytes = 1;
+  world_.files.AddFile("C:\\Demo\\a.dat", "a and more");
+
+  EXPECT_FALSE(Compress());
+
+  ASSERT_EQ(world_.messages.shown.size(), 1u);
+  EXPECT_EQ(world_.messages.shown[0].prompt,
+            "Error compressing the file 'C:\\Demo\\a.dat'!\r\n(6)\r\n"
+            "C:\\Demo\\a.dat: The file has changed during the run");
+}
+
+TEST_F(Compression, AFileThatGrowsWhileItIsCompressedIsRefused) {
+  FileRow& row = world_.Add("<ProjectDir>\\a.dat", "a");
+  row.length_bytes = 1;
+  world_.platform.archiver.before = [&](std::string_view, std::string_view source) {
+    world_.files.AddFile(source, "a and more");
+  };
+
+  EXPECT_FALSE(Compress());
+
+  EXPECT_THAT(world_.messages.Ids(), ElementsAre(902));
+}
+
 TEST_F(Compression, AnArchiveThatIsNotThereAfterwardsIsAnErrorNamedAfterTheArchive) {
   world_.Add("<ProjectDir>\\a.dat", "a");
   world_.platform.archiver.FailFor("C:\\Demo\\a.dat", ArchiveResult::kSuccess);
