@@ -73,6 +73,17 @@ bool IsAbsolutePath(std::string_view path) {
   return path.size() >= 3 && IsSeparator(path[0]) && IsSeparator(path[1]) && !IsSeparator(path[2]);
 }
 
+std::string RootFolder(std::string_view path) {
+  if (!IsAbsolutePath(path)) return {};
+  if (StartsWithDrive(path)) return std::string(path.substr(0, 2)) + '\\';
+  std::size_t end = 2;
+  for (int names = 0; names < 2 && end < path.size(); ++names) {
+    if (names > 0) ++end;
+    while (end < path.size() && !IsSeparator(path[end])) ++end;
+  }
+  return std::string(path.substr(0, end));
+}
+
 bool IsDriveDirectory(std::string_view text) {
   return StartsWithDrive(text) && text.size() >= 3 && text[2] == '\\';
 }

@@ -28,6 +28,10 @@ namespace txs {
 // file operation accepts.
 [[nodiscard]] std::string JoinPath(std::string_view directory, std::string_view name);
 
+// Where a path begins, what is there only while its drive or share is: "C:\", "\\server\share"; ""
+// when it is not absolute.
+[[nodiscard]] std::string RootFolder(std::string_view path);
+
 // "C:\..." or "\\server\...": names a place without regard to a current directory.
 [[nodiscard]] bool IsAbsolutePath(std::string_view path);
 

@@ -7,6 +7,7 @@
 #include "environment/installation.h"
 #include "environment/project_type.h"
 #include "environment/runtime_error.h"
+#include "environment/windows_path.h"
 
 namespace txs {
 namespace {
@@ -18,6 +19,12 @@ std::string KeyOf(std::string_view name) {
 std::string ProjectFile(const RegisteredProject& project) {
   const char* const extension = project.type == kProjectTypeGroup ? ".vbg" : ".txs";
   return project.directory + "\\" + project.name + extension;
+}
+
+// Of a share or a stick that is away nobody knows whether its projects exist.
+bool CanBeAsked(const Platform& platform, const RegisteredProject& project) {
+  const std::string root = RootFolder(project.directory);
+  return root.empty() || platform.files.FolderExists(root);
 }
 
 }  // namespace
@@ -49,6 +56,7 @@ void FillRegisteredProjects(Platform& platform, long type_mask, ProjectListModel
   std::unordered_set<std::string> keys;
   for (RegisteredProject& project : ListRegisteredProjects(platform)) {
     if (!project.exists) {
+      if (!CanBeAsked(platform, project)) continue;
       try {
         platform.tools.RemoveRegistryKey(Hive::kLocalMachine, KeyOf(project.name));
       } catch (const RuntimeError&) {

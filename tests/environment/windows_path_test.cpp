@@ -79,6 +79,17 @@ TEST(WindowsPath, AbsoluteIsADriveWithABackslashOrAServer) {
   }
 }
 
+TEST(WindowsPath, TheRootIsTheDriveOrTheShare) {
+  EXPECT_EQ(RootFolder("C:\\Demo\\x.dll"), "C:\\");
+  EXPECT_EQ(RootFolder("c:/"), "c:\\");
+  EXPECT_EQ(RootFolder("\\\\server\\share\\Demo\\x.dll"), "\\\\server\\share");
+  EXPECT_EQ(RootFolder("\\\\server\\share"), "\\\\server\\share");
+  EXPECT_EQ(RootFolder("\\\\server"), "\\\\server");
+  EXPECT_EQ(RootFolder("Demo\\x.dll"), "");
+  EXPECT_EQ(RootFolder("C:"), "");
+  EXPECT_EQ(RootFolder(""), "");
+}
+
 TEST(WindowsPath, ADriveDirectoryNeedsLetterColonAndBackslash) {
   for (const char* text : {"C:\\", "z:\\x", "C:\\ anything"}) {
     EXPECT_TRUE(IsDriveDirectory(text)) << text;

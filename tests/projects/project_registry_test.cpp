@@ -12,6 +12,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
 
 class ProjectRegistry : public testing::Test {
  protected:
@@ -103,6 +104,18 @@ TEST_F(ProjectRegistry, RemovesRegistrationsWhoseFileHasGoneWhateverTheMask) {
 
   EXPECT_THAT(Names(Fill(kProjectTypeServer)), ElementsAre("here"));
   EXPECT_THAT(Registered(), ElementsAre("here"));
+}
+
+TEST_F(ProjectRegistry, KeepsARegistrationWhoseDriveOrShareIsAway) {
+  memory_.RegisterProject("here", "C:\\here", "Server");
+  for (const auto& [name, path] :
+       {std::pair("share", "\\\\server\\plant\\share"), std::pair("stick", "X:\\stick")}) {
+    memory_.registry.Write(Hive::kLocalMachine, std::string(kProjectsKey) + "\\" + name, "Path",
+                           std::string(path));
+  }
+
+  EXPECT_THAT(Names(Fill(kProjectTypeAll)), ElementsAre("here"));
+  EXPECT_THAT(Registered(), UnorderedElementsAre("here", "share", "stick"));
 }
 
 TEST_F(ProjectRegistry, RemovesARegistrationWithoutAPath) {
