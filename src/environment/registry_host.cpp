@@ -213,16 +213,11 @@ struct HostRegistry::State {
     const std::string target = Resolve(path);
     const Lock lock(target + ".lock");
     Reload();
-    // What is held while it is edited is not what the file says.
-    is_loaded = false;
-    RegistryFile edited = std::exchange(file, RegistryFile());
+    // Readers keep what they have until the new file is there.
+    RegistryFile edited(ReadBytes());
     std::string bytes;
     try {
-      if (!edit(edited)) {
-        file = std::move(edited);
-        is_loaded = true;
-        return;
-      }
+      if (!edit(edited)) return;
       bytes = edited.Bytes();
     } catch (const RuntimeError& error) {
       ThrowAbout(error.Number(), path, error.Description());
