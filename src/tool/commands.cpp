@@ -251,7 +251,9 @@ int Create(ToolContext& context, const Options& options) {
     context.out << OneLine(result.output_directory) << ": "
                 << Summary(result.disks, result.files, result.archive_bytes) << '\n';
   }
-  return result.succeeded ? kToolDone : kToolFailed;
+  if (!result.succeeded) return kToolFailed;
+  // A build server must not ship what a developer at the window would have been told of.
+  return scanned.missing.empty() ? kToolDone : kToolSomethingMissing;
 }
 
 void PrintPlan(std::ostream& out, const CreatePlan& plan) {
@@ -330,8 +332,9 @@ int Parse(const std::vector<std::string>& arguments, ToolContext& context) {
   app.footer(
       "PROJECT is a registered name or [ProjectPath\\]ProjectName[.txs|.swz].\n"
       "Results go to standard output, messages to standard error.\n"
-      "Exit codes: 0 done, 1 failed, 2 wrong usage, 3 something is missing (scan), 4 does not fit\n"
-      "(plan), 5 damaged (verify).");
+      "Exit codes: 0 done, 1 failed, 2 wrong usage, 3 something is missing (scan,\n"
+      "create --scan: the installation was built without it), 4 does not fit (plan), 5 damaged\n"
+      "(verify).");
 
   using Command = int (*)(ToolContext&, const Options&);
   Options options;

@@ -469,7 +469,7 @@ TEST_F(ScanCommand, FailsForAProjectThatDoesNotExist) {
 TEST_F(ScanCommand, CreateScansFirstSoThatTheScriptIsComplete) {
   RegisterTheObject();
 
-  EXPECT_EQ(Run({"create", "Demo", "--scan"}), 0);
+  EXPECT_EQ(Run({"create", "Demo", "--scan"}), 3);
 
   const std::string script = world.files.Contents("C:\\Projects\\Demo\\Setup\\DISK1\\SETUP.STP");
   EXPECT_THAT(script, HasSubstr("SetVar(Panel|1)"));
@@ -479,8 +479,14 @@ TEST_F(ScanCommand, CreateScansFirstSoThatTheScriptIsComplete) {
               HasSubstr("missing: Demo.vbp \xE2\x86\x92 Panel.ocx \xE2\x86\x92 Lost.dll\n"));
 }
 
+TEST_F(ScanCommand, CreateBuildsWithoutWhatTheScanMissedAndSaysSoByItsExitCode) {
+  EXPECT_EQ(Run({"create", "Demo", "--scan"}), 3);
+
+  EXPECT_TRUE(world.files.Has("C:\\Projects\\Demo\\Setup\\DISK1\\SETUP.STP"));
+}
+
 TEST_F(ScanCommand, CreateReportsWhatTheScanMissedInItsJson) {
-  EXPECT_EQ(Run({"create", "Demo", "--scan", "--json"}), 0);
+  EXPECT_EQ(Run({"create", "Demo", "--scan", "--json"}), 3);
 
   EXPECT_THAT(out.str(),
               HasSubstr("\"missing\": [\n    {\n      \"name\": \"{1} 1.A (Lost.ocx)\""));
