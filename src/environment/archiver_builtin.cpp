@@ -30,9 +30,8 @@
 namespace txs {
 namespace {
 
-// Measured on Windows DLLs (docs/PERFORMANCE.md): level 5 writes 1.4 % less than zip
-// -5 in half its time. Level 6 saves another 0.6 % and takes a fifth longer; level 4 is faster
-// still, but writes more than zip -5.
+// Measured on Windows DLLs: level 5 writes 1.4 % less than zip -5 in half its time. Level 6 saves
+// another 0.6 % and takes a fifth longer; level 4 is faster still, but writes more than zip -5.
 constexpr int kLevel = 5;
 constexpr std::size_t kStreamBytes = std::size_t{256} << 10;
 // Buffers of small files are kept from one archive to the next.
