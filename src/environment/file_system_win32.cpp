@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdint>
 #include <cwchar>
+#include <optional>
 #include <tuple>
 #include <utility>
 
@@ -34,11 +35,21 @@ bool HasDrive(std::wstring_view path) {
   return path.size() >= 2 && IsLetter(path[0]) && path[1] == L':';
 }
 
-// Without the prefix of long paths.
-std::wstring Plain(std::wstring path) {
-  if (path.starts_with(kLongNetworkPrefix))
+bool StartsWithNoCase(std::wstring_view path, std::wstring_view prefix) {
+  const int length = static_cast<int>(prefix.size());
+  return path.size() >= prefix.size() &&
+         CompareStringOrdinal(path.data(), length, prefix.data(), length, TRUE) == CSTR_EQUAL;
+}
+
+// Without the prefix of long paths. Nothing for what only that prefix can name: a volume without a
+// drive, a device.
+std::optional<std::wstring> Plain(std::wstring path) {
+  if (!path.starts_with(kLongPrefix)) return path;
+  if (StartsWithNoCase(path, kLongNetworkPrefix)) {
     return path.replace(0, kLongNetworkPrefix.size(), L"\\\\");
-  if (path.starts_with(kLongPrefix)) path.erase(0, kLongPrefix.size());
+  }
+  path.erase(0, kLongPrefix.size());
+  if (!HasDrive(path)) return std::nullopt;
   return path;
 }
 
@@ -82,9 +93,12 @@ std::wstring Absolute(std::string_view path) {
   if (!IsUtf8(path)) ThrowAbout(ErrorNumber::kBadFileName, path, "Not a name that Windows accepts");
   std::wstring text = ToWide(path);
   std::ranges::replace(text, L'/', L'\\');
-  text = Plain(std::move(text));
-  const std::size_t root = RootLength(text);
-  for (std::size_t start = root; start < text.size();) {
+  if (std::optional<std::wstring> plain = Plain(std::move(text))) {
+    text = std::move(*plain);
+  } else {
+    ThrowAbout(ErrorNumber::kBadFileName, path, "Lies on no drive and on no share");
+  }
+  for (std::size_t start = HasDrive(text) ? 2 : 0; start < text.size();) {
     const std::size_t end = std::min(text.find(L'\\', start), text.size());
     if (IsRefusedName(std::wstring_view(text).substr(start, end - start))) {
       ThrowAbout(ErrorNumber::kBadFileName, path, "Not a name that Windows accepts");
@@ -101,11 +115,16 @@ std::wstring Absolute(std::string_view path) {
   return text;
 }
 
-// As the functions of the system take it, however long.
-std::wstring Native(const std::wstring& absolute) {
-  if (absolute.size() < kLongPath) return absolute;
+// As the functions of the system take it without changing a character: however long, and with names
+// that mean something else to them otherwise ("aux", "a.").
+std::wstring Verbatim(const std::wstring& absolute) {
   if (absolute.starts_with(L"\\\\")) return std::wstring(kLongNetworkPrefix) + absolute.substr(2);
   return std::wstring(kLongPrefix) + absolute;
+}
+
+// As the functions of the system take it, however long.
+std::wstring Native(const std::wstring& absolute) {
+  return absolute.size() < kLongPath ? absolute : Verbatim(absolute);
 }
 
 std::wstring ParentOf(const std::wstring& absolute) {
@@ -180,17 +199,31 @@ bool MeansMissing(DWORD error) {
   ThrowWindowsError(has_folder ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND, path);
 }
 
+// As LookAt, but a name that is being deleted is waited for.
+Found LookPatiently(const std::wstring& absolute, RetryPauses& pauses,
+                    Denied denied = Denied::kMostlyForGood) {
+  Found found;
+  static_cast<void>(RetryWhileBusy(
+      pauses,
+      [&] {
+        found = LookAt(absolute);
+        return found.error;
+      },
+      denied));
+  return found;
+}
+
 // Throws unless an ordinary file is there.
-Found RequireFile(std::string_view path, const std::wstring& absolute) {
-  Found found = LookAt(absolute);
+Found RequireFile(std::string_view path, const std::wstring& absolute, RetryPauses& pauses) {
+  Found found = LookPatiently(absolute, pauses);
   if (!found.IsThere()) ThrowFor(found.error, path, absolute);
   if (IsFolder(found.attributes)) ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is a folder");
   return found;
 }
 
 // Throws when no file can be written there. `error` of the result tells whether there is none.
-Found RequireTarget(std::string_view path, const std::wstring& absolute) {
-  Found found = LookAt(absolute);
+Found RequireTarget(std::string_view path, const std::wstring& absolute, RetryPauses& pauses) {
+  Found found = LookPatiently(absolute, pauses);
   if (!found.IsThere()) {
     if (!MeansMissing(found.error)) ThrowWindowsError(found.error, path);
     if (!LookAt(ParentOf(absolute)).IsFolderThere() || IsRoot(absolute)) {
@@ -213,7 +246,7 @@ struct Opening {
 };
 
 KernelHandle Open(std::string_view path, const std::wstring& absolute, const Opening& opening,
-                  RetryPauses pauses) {
+                  RetryPauses& pauses) {
   KernelHandle file;
   const DWORD error = RetryWhileBusy(pauses, [&]() -> DWORD {
     file = KernelHandle(CreateFileW(Native(absolute).c_str(), opening.access, opening.sharing,
@@ -307,8 +340,8 @@ class WindowsOutputFile : public OutputFile {
 
 class Search {
  public:
-  explicit Search(const std::wstring& pattern)
-      : handle_(FindFirstFileExW(Native(pattern).c_str(), FindExInfoBasic, &data_,
+  explicit Search(const std::wstring& native_pattern)
+      : handle_(FindFirstFileExW(native_pattern.c_str(), FindExInfoBasic, &data_,
                                  FindExSearchNameMatch, nullptr, 0)),
         error_(handle_ == INVALID_HANDLE_VALUE ? GetLastError() : ERROR_SUCCESS) {
     if (IsOpen() && IsDots()) Next();
@@ -340,37 +373,49 @@ class Search {
   DWORD error_;
 };
 
+// What is in the folder. A folder that is being deleted is waited for.
+void SearchIn(const std::wstring& native_folder, RetryPauses& pauses,
+              std::optional<Search>& search) {
+  static_cast<void>(
+      RetryWhileBusy(pauses, [&] { return search.emplace(Below(native_folder, L"*")).Error(); }));
+}
+
 // The path with its last name as it is spelled on the disk.
 std::wstring Spelled(const std::wstring& absolute) {
   if (IsRoot(absolute)) return absolute;
-  const Search search(absolute);
+  const Search search(Native(absolute));
   return search.IsOpen() ? Below(ParentOf(absolute), search.Entry().cFileName) : absolute;
 }
 
 // What a link to a file points to, and any other path itself.
-std::wstring EndOfLinks(std::string_view path, const std::wstring& absolute) {
+std::wstring EndOfLinks(std::string_view path, const std::wstring& absolute, RetryPauses& pauses) {
   const DWORD attributes = GetFileAttributesW(Native(absolute).c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES || !IsLink(attributes)) return absolute;
-  const KernelHandle file = Open(path, absolute, kToAsk, RetryPauses());
+  const KernelHandle file = Open(path, absolute, kToAsk, pauses);
   std::wstring target(32768, L'\0');
   const DWORD length = GetFinalPathNameByHandleW(
       file.Get(), target.data(), static_cast<DWORD>(target.size()), FILE_NAME_NORMALIZED);
   if (length == 0 || length >= target.size()) return absolute;
   target.resize(length);
-  return Plain(std::move(target));
+  return Plain(std::move(target)).value_or(absolute);
 }
 
-// A file that goes unless it took the place of another.
+// An open file that goes unless it took the place of another.
 class TemporaryFile {
  public:
-  explicit TemporaryFile(std::wstring path) : path_(std::move(path)) {}
+  TemporaryFile(KernelHandle handle, std::wstring path)
+      : file(std::move(handle)), path_(std::move(path)) {}
   ~TemporaryFile() {
+    // Nobody can delete what is open, not even who opened it.
+    file = KernelHandle();
     if (!path_.empty()) DeleteFileW(Native(path_).c_str());
   }
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
   void Keep() { path_.clear(); }
+
+  KernelHandle file;
 
  private:
   std::wstring path_;
@@ -384,22 +429,31 @@ std::wstring TemporaryNameIn(const std::wstring& folder) {
   return Below(folder, name.data());
 }
 
-DWORD MoveOver(const std::wstring& from, const std::wstring& to, DWORD flags, RetryPauses pauses) {
-  return RetryWhileBusy(pauses, [&]() -> DWORD {
-    return MoveFileExW(Native(from).c_str(), Native(to).c_str(), flags | MOVEFILE_REPLACE_EXISTING)
-               ? ERROR_SUCCESS
-               : GetLastError();
-  });
+// A target that is open is denied, not shared, however it is open.
+DWORD MoveOver(const std::wstring& from, const std::wstring& to, DWORD flags, RetryPauses& pauses) {
+  return RetryWhileBusy(
+      pauses,
+      [&]() -> DWORD {
+        return MoveFileExW(Native(from).c_str(), Native(to).c_str(),
+                           flags | MOVEFILE_REPLACE_EXISTING)
+                   ? ERROR_SUCCESS
+                   : GetLastError();
+      },
+      Denied::kHeld);
 }
 
 // Which file on which volume, and by which name it is reached.
 struct Identity {
   DWORD volume = 0;
-  std::uint64_t index = 0;
-  std::wstring name;
+  std::uint64_t index = 0;  // 0 where the volume does not number its files
+  DWORD links = 0;
+  std::wstring name;  // empty where the system does not tell
 
+  [[nodiscard]] bool HasNameOf(const Identity& other) const {
+    return !name.empty() && EqualNoCase(ToUtf8(name), ToUtf8(other.name));
+  }
   [[nodiscard]] bool IsSameFile(const Identity& other) const {
-    return volume == other.volume && index == other.index;
+    return HasNameOf(other) || (index != 0 && volume == other.volume && index == other.index);
   }
 };
 
@@ -409,15 +463,14 @@ std::optional<Identity> IdentityOf(const std::wstring& absolute) {
   BY_HANDLE_FILE_INFORMATION info = {};
   if (!file.IsOpen() || !GetFileInformationByHandle(file.Get(), &info)) return std::nullopt;
   Identity identity = {info.dwVolumeSerialNumber, Joined(info.nFileIndexHigh, info.nFileIndexLow),
-                       std::wstring(32768, L'\0')};
+                       info.nNumberOfLinks, std::wstring(32768, L'\0')};
   const DWORD length = GetFinalPathNameByHandleW(file.Get(), identity.name.data(),
                                                  static_cast<DWORD>(identity.name.size()), 0);
   identity.name.resize(length < identity.name.size() ? length : 0);
   return identity;
 }
 
-DWORD RemoveFileAt(const std::wstring& absolute, DWORD attributes, RetryPauses& pauses) {
-  const std::wstring native = Native(absolute);
+DWORD RemoveFileAt(const std::wstring& native, DWORD attributes, RetryPauses& pauses) {
   return RetryWhileBusy(pauses, [&]() -> DWORD {
     if (IsReadOnly(attributes)) SetFileAttributesW(native.c_str(), FILE_ATTRIBUTE_NORMAL);
     if (DeleteFileW(native.c_str())) return ERROR_SUCCESS;
@@ -426,8 +479,7 @@ DWORD RemoveFileAt(const std::wstring& absolute, DWORD attributes, RetryPauses& 
   });
 }
 
-DWORD RemoveEmptyFolder(const std::wstring& absolute, DWORD attributes, RetryPauses& pauses) {
-  const std::wstring native = Native(absolute);
+DWORD RemoveEmptyFolder(const std::wstring& native, DWORD attributes, RetryPauses& pauses) {
   for (;;) {
     if (IsReadOnly(attributes)) SetFileAttributesW(native.c_str(), FILE_ATTRIBUTE_DIRECTORY);
     if (RemoveDirectoryW(native.c_str())) return ERROR_SUCCESS;
@@ -435,40 +487,61 @@ DWORD RemoveEmptyFolder(const std::wstring& absolute, DWORD attributes, RetryPau
     if (MeansMissing(error)) return ERROR_SUCCESS;
     // A file that somebody still has open stays in its folder until it is closed.
     if (!MayPassSoon(error) && error != ERROR_DIR_NOT_EMPTY) return error;
-    if (!WaitToRetry(pauses)) return error;
+    if (!WaitToRetry(pauses, error)) return error;
   }
+}
+
+struct Inside {
+  std::wstring name;
+  DWORD attributes = 0;
+  DWORD tag = 0;
+};
+
+// The reparse tag of a folder. Only a search tells it; 0 where that fails, which keeps a junction
+// from being entered.
+DWORD TagOf(const std::wstring& native, DWORD attributes) {
+  if (!IsLink(attributes)) return 0;
+  const Search search(native);
+  return search.IsOpen() ? search.Entry().dwReserved0 : 0;
 }
 
 // Deletes what is in the folder and the folder, goes on after a failure; the first error. All of
 // it shares the pauses: what another program keeps for good must not cost them once per file.
-DWORD RemoveFolderAndContents(const std::wstring& folder, DWORD attributes, RetryPauses& pauses) {
+DWORD RemoveFolderAndContents(const std::wstring& native, DWORD attributes, DWORD tag,
+                              RetryPauses& pauses) {
   DWORD first_error = ERROR_SUCCESS;
   const auto note = [&](DWORD error) {
     if (first_error == ERROR_SUCCESS) first_error = error;
   };
-  std::vector<std::pair<std::wstring, DWORD>> entries;
-  if (!IsLink(attributes)) {
-    Search search(Below(folder, L"*"));
-    for (; search.IsOpen(); search.Next()) {
-      entries.emplace_back(search.Entry().cFileName, search.Entry().dwFileAttributes);
+  std::vector<Inside> entries;
+  if (!LeadsElsewhere(attributes, tag)) {
+    std::optional<Search> search;
+    for (SearchIn(native, pauses, search); search->IsOpen(); search->Next()) {
+      const WIN32_FIND_DATAW& entry = search->Entry();
+      entries.push_back({entry.cFileName, entry.dwFileAttributes, entry.dwReserved0});
     }
-    if (search.Error() != ERROR_NO_MORE_FILES && !MeansMissing(search.Error())) {
-      note(search.Error());
+    if (search->Error() != ERROR_NO_MORE_FILES && !MeansMissing(search->Error())) {
+      note(search->Error());
     }
   }
-  for (const auto& [name, entry_attributes] : entries) {
-    const std::wstring path = Below(folder, name);
-    note(IsFolder(entry_attributes) ? RemoveFolderAndContents(path, entry_attributes, pauses)
-                                    : RemoveFileAt(path, entry_attributes, pauses));
+  for (const Inside& entry : entries) {
+    const std::wstring path = Below(native, entry.name);
+    note(IsFolder(entry.attributes)
+             ? RemoveFolderAndContents(path, entry.attributes, entry.tag, pauses)
+             : RemoveFileAt(path, entry.attributes, pauses));
   }
   // What could not be deleted keeps the folder; that error was the first and tells more.
-  if (first_error == ERROR_SUCCESS) note(RemoveEmptyFolder(folder, attributes, pauses));
+  if (first_error == ERROR_SUCCESS) note(RemoveEmptyFolder(native, attributes, pauses));
   return first_error;
 }
 
 }  // namespace
 
 std::wstring NativePath(std::string_view path) { return Native(Absolute(path)); }
+
+bool LeadsElsewhere(unsigned long attributes, unsigned long tag) {
+  return IsLink(attributes) && (tag == 0 || IsReparseTagNameSurrogate(tag));
+}
 
 std::string WindowsFileSystem::HostPath(std::string_view path) const {
   const std::wstring absolute = Absolute(path);
@@ -537,8 +610,9 @@ std::string WindowsFileSystem::FinalPath(std::string_view path) const {
 
 std::unique_ptr<InputFile> WindowsFileSystem::OpenForReading(std::string_view path) const {
   const std::wstring absolute = Absolute(path);
-  static_cast<void>(RequireFile(path, absolute));
-  KernelHandle file = Open(path, absolute, kToRead, RetryPauses(patience_));
+  RetryPauses pauses(patience_);
+  static_cast<void>(RequireFile(path, absolute, pauses));
+  KernelHandle file = Open(path, absolute, kToRead, pauses);
   LARGE_INTEGER length = {};
   if (!GetFileSizeEx(file.Get(), &length)) ThrowWindowsError(GetLastError(), path);
   return std::make_unique<WindowsInputFile>(
@@ -548,23 +622,25 @@ std::unique_ptr<InputFile> WindowsFileSystem::OpenForReading(std::string_view pa
 std::vector<FileEntry> WindowsFileSystem::List(std::string_view folder,
                                                std::string_view pattern) const {
   const std::wstring absolute = Absolute(folder);
-  if (!LookAt(absolute).IsFolderThere()) ThrowWindowsError(ERROR_PATH_NOT_FOUND, folder);
+  RetryPauses pauses(patience_);
+  const Found asked = LookPatiently(absolute, pauses);
+  // Who is told that there is no such folder goes on as if it were empty.
+  if (!asked.IsThere() && !MeansMissing(asked.error)) ThrowWindowsError(asked.error, folder);
+  if (!asked.IsFolderThere()) ThrowWindowsError(ERROR_PATH_NOT_FOUND, folder);
   std::vector<std::pair<std::string, FileEntry>> found;  // folded name, entry
   // The wildcards of the system would match short names ("FILE~1.RCT") too.
-  Search search(Below(absolute, L"*"));
-  for (; search.IsOpen(); search.Next()) {
-    const std::string name = ToUtf8(search.Entry().cFileName);
+  std::optional<Search> search;
+  for (SearchIn(Native(absolute), pauses, search); search->IsOpen(); search->Next()) {
+    const WIN32_FIND_DATAW& entry = search->Entry();
+    const std::string name = ToUtf8(entry.cFileName);
     if (!IsUtf8(name) || !MatchesWildcard(name, pattern)) continue;
-    const DWORD attributes = search.Entry().dwFileAttributes;
-    // Files that a cloud service keeps are reparse points too, and lead nowhere else. Wine tells no
-    // tag.
-    const DWORD tag = search.Entry().dwReserved0;
-    const bool is_link = IsLink(attributes) && (tag == 0 || IsReparseTagNameSurrogate(tag));
-    found.push_back({FoldCase(name), {name, IsFolder(attributes), is_link}});
+    found.push_back({FoldCase(name),
+                     {name, IsFolder(entry.dwFileAttributes),
+                      LeadsElsewhere(entry.dwFileAttributes, entry.dwReserved0)}});
   }
   // The root of an empty drive has not even "." in it.
-  if (search.Error() != ERROR_NO_MORE_FILES && search.Error() != ERROR_FILE_NOT_FOUND) {
-    ThrowWindowsError(search.Error(), folder);
+  if (search->Error() != ERROR_NO_MORE_FILES && search->Error() != ERROR_FILE_NOT_FOUND) {
+    ThrowWindowsError(search->Error(), folder);
   }
   std::ranges::sort(found, [](const auto& left, const auto& right) {
     return std::tie(left.first, left.second.name) < std::tie(right.first, right.second.name);
@@ -577,11 +653,12 @@ std::vector<FileEntry> WindowsFileSystem::List(std::string_view folder,
 
 std::unique_ptr<OutputFile> WindowsFileSystem::OpenOutput(std::string_view path, Ends ends) {
   const std::wstring absolute = Absolute(path);
-  static_cast<void>(RequireTarget(path, absolute));
+  RetryPauses pauses(patience_);
+  static_cast<void>(RequireTarget(path, absolute, pauses));
   // Not CREATE_ALWAYS, which refuses hidden files.
   const Opening opening = {GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, OPEN_ALWAYS,
                            FILE_ATTRIBUTE_NORMAL};
-  KernelHandle file = Open(path, absolute, opening, RetryPauses(patience_));
+  KernelHandle file = Open(path, absolute, opening, pauses);
   LARGE_INTEGER end = {};
   const bool is_ready =
       ends == Ends::kCut ? SetEndOfFile(file.Get()) != 0 : GetFileSizeEx(file.Get(), &end) != 0;
@@ -600,27 +677,28 @@ std::unique_ptr<OutputFile> WindowsFileSystem::OpenForAppending(std::string_view
 
 void WindowsFileSystem::ReplaceWhole(std::string_view path, std::string_view bytes) {
   const std::wstring asked = Absolute(path);
-  static_cast<void>(RequireTarget(path, asked));
+  RetryPauses pauses(patience_);
+  static_cast<void>(RequireTarget(path, asked, pauses));
   // A link stays a link: what it points to is replaced.
-  const std::wstring target = Spelled(EndOfLinks(path, asked));
+  const std::wstring target = Spelled(EndOfLinks(path, asked, pauses));
   const DWORD old_attributes = GetFileAttributesW(Native(target).c_str());
 
   // ReplaceFileW would keep more of the old file, but where it fails half-way the old file may be
   // gone.
   const std::wstring temporary_path = TemporaryNameIn(ParentOf(target));
   const Opening opening = {GENERIC_WRITE, 0, CREATE_NEW, FILE_ATTRIBUTE_NORMAL};
-  KernelHandle file = Open(path, temporary_path, opening, RetryPauses(patience_));
-  TemporaryFile temporary(temporary_path);
-  WriteBytes(file.Get(), 0, std::as_bytes(std::span(bytes)), path);
-  if (!FlushFileBuffers(file.Get())) ThrowWindowsError(GetLastError(), path);
-  if (const DWORD error = file.Close(); error != ERROR_SUCCESS) ThrowWindowsError(error, path);
+  TemporaryFile temporary(Open(path, temporary_path, opening, pauses), temporary_path);
+  WriteBytes(temporary.file.Get(), 0, std::as_bytes(std::span(bytes)), path);
+  if (!FlushFileBuffers(temporary.file.Get())) ThrowWindowsError(GetLastError(), path);
+  if (const DWORD error = temporary.file.Close(); error != ERROR_SUCCESS) {
+    ThrowWindowsError(error, path);
+  }
   constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
   if (old_attributes != INVALID_FILE_ATTRIBUTES && (old_attributes & kKept) != 0) {
     SetFileAttributesW(Native(temporary_path).c_str(),
                        (old_attributes & kKept) | FILE_ATTRIBUTE_ARCHIVE);
   }
-  const DWORD error =
-      MoveOver(temporary_path, target, MOVEFILE_WRITE_THROUGH, RetryPauses(patience_));
+  const DWORD error = MoveOver(temporary_path, target, MOVEFILE_WRITE_THROUGH, pauses);
   if (error != ERROR_SUCCESS) ThrowFor(error, path, target);
   temporary.Keep();
 }
@@ -628,8 +706,9 @@ void WindowsFileSystem::ReplaceWhole(std::string_view path, std::string_view byt
 void WindowsFileSystem::CopyWhole(std::string_view source, std::string_view target) {
   const std::wstring from = Absolute(source);
   const std::wstring to = Absolute(target);
-  const Found found = RequireFile(source, from);
-  const Found old = RequireTarget(target, to);
+  RetryPauses pauses(patience_);
+  const Found found = RequireFile(source, from, pauses);
+  const Found old = RequireTarget(target, to, pauses);
   if (old.IsThere()) {
     const std::optional<Identity> left = IdentityOf(from);
     const std::optional<Identity> right = IdentityOf(to);
@@ -638,17 +717,24 @@ void WindowsFileSystem::CopyWhole(std::string_view source, std::string_view targ
     }
   }
   // Which of the two a failure is about the system does not tell; it is seldom the source.
-  static_cast<void>(Open(source, from, kToRead, RetryPauses(patience_)));
-  RetryPauses pauses(patience_);
+  static_cast<void>(Open(source, from, kToRead, pauses));
+  // The system copies these attributes too, and not over a file that has them.
+  constexpr DWORD kNotCopied =
+      FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+  const std::wstring native_target = Native(to);
+  if (old.IsThere() && (old.attributes & kNotCopied) != 0) {
+    // What this cannot change fails below.
+    SetFileAttributesW(native_target.c_str(), FILE_ATTRIBUTE_ARCHIVE);
+  }
   const DWORD error = RetryWhileBusy(pauses, [&]() -> DWORD {
-    return CopyFileExW(Native(from).c_str(), Native(to).c_str(), nullptr, nullptr, nullptr,
+    return CopyFileExW(Native(from).c_str(), native_target.c_str(), nullptr, nullptr, nullptr,
                        COPY_FILE_ALLOW_DECRYPTED_DESTINATION)
                ? ERROR_SUCCESS
                : GetLastError();
   });
   if (error != ERROR_SUCCESS) ThrowFor(error, target, to);
-  if (IsReadOnly(found.attributes) &&
-      !SetFileAttributesW(Native(to).c_str(), found.attributes & ~DWORD{FILE_ATTRIBUTE_READONLY})) {
+  if ((found.attributes & kNotCopied) != 0 &&
+      !SetFileAttributesW(native_target.c_str(), FILE_ATTRIBUTE_ARCHIVE)) {
     ThrowWindowsError(GetLastError(), target);
   }
 }
@@ -656,61 +742,69 @@ void WindowsFileSystem::CopyWhole(std::string_view source, std::string_view targ
 void WindowsFileSystem::MoveWhole(std::string_view source, std::string_view target) {
   const std::wstring from = Absolute(source);
   const std::wstring asked = Absolute(target);
-  const Found found = RequireFile(source, from);
-  const Found old = RequireTarget(target, asked);
-  const std::wstring to = Spelled(asked);
   RetryPauses pauses(patience_);
+  const Found found = RequireFile(source, from, pauses);
+  const Found old = RequireTarget(target, asked, pauses);
+  const std::wstring to = Spelled(asked);
   if (old.IsThere()) {
     const std::optional<Identity> left = IdentityOf(from);
     const std::optional<Identity> right = IdentityOf(to);
     if (left && right && left->IsSameFile(*right)) {
       // One name reached by two paths is all that the file has; of two names the old one goes.
-      if (EqualNoCase(ToUtf8(left->name), ToUtf8(right->name))) return;
-      const DWORD error = RemoveFileAt(from, found.attributes, pauses);
-      if (error != ERROR_SUCCESS) ThrowWindowsError(error, source);
-      return;
+      if (left->HasNameOf(*right)) return;
+      if (left->links > 1 && !left->name.empty() && !right->name.empty()) {
+        const DWORD error = RemoveFileAt(Native(from), found.attributes, pauses);
+        if (error != ERROR_SUCCESS) ThrowWindowsError(error, source);
+        return;
+      }
     }
   }
   const DWORD error = MoveOver(from, to, /*flags=*/0, pauses);
   if (error == ERROR_SUCCESS) return;
   if (error != ERROR_NOT_SAME_DEVICE) ThrowFor(error, source, from);
   CopyWhole(source, target);
-  const DWORD remove_error = RemoveFileAt(from, found.attributes, pauses);
+  const DWORD remove_error = RemoveFileAt(Native(from), found.attributes, pauses);
   if (remove_error != ERROR_SUCCESS) ThrowWindowsError(remove_error, source);
 }
 
 void WindowsFileSystem::RemoveFile(std::string_view path) {
   const std::wstring absolute = Absolute(path);
-  const Found found = RequireFile(path, absolute);
+  RetryPauses pauses(patience_);
+  const Found found = RequireFile(path, absolute, pauses);
   if (IsReadOnly(found.attributes)) {
     ThrowAbout(ErrorNumber::kPathFileAccess, path, "The file is read-only");
   }
-  RetryPauses pauses(patience_);
-  const DWORD error = RemoveFileAt(absolute, found.attributes, pauses);
+  const DWORD error = RemoveFileAt(Native(absolute), found.attributes, pauses);
   if (error != ERROR_SUCCESS) ThrowFor(error, path, absolute);
 }
 
 void WindowsFileSystem::RemoveTree(std::string_view folder) {
   const std::wstring absolute = Absolute(folder);
   if (IsRoot(absolute)) ThrowAbout(ErrorNumber::kPathFileAccess, folder, "Is a whole drive");
-  // The attributes of a link, not of what it points to.
-  const DWORD attributes = GetFileAttributesW(Native(absolute).c_str());
-  if (attributes == INVALID_FILE_ATTRIBUTES) {
-    const DWORD error = GetLastError();
-    if (MeansMissing(error)) return;
-    ThrowWindowsError(error, folder);
-  }
-  if (!IsFolder(attributes)) ThrowAbout(ErrorNumber::kPathFileAccess, folder, "Not a folder");
+  // Programs of other systems leave names that only this form reaches.
+  const std::wstring native = Verbatim(absolute);
   RetryPauses pauses(patience_);
-  const DWORD error = RemoveFolderAndContents(absolute, attributes, pauses);
+  // The attributes of a link, not of what it points to.
+  DWORD attributes = 0;
+  const DWORD asked = RetryWhileBusy(pauses, [&]() -> DWORD {
+    attributes = GetFileAttributesW(native.c_str());
+    return attributes == INVALID_FILE_ATTRIBUTES ? GetLastError() : ERROR_SUCCESS;
+  });
+  if (MeansMissing(asked)) return;
+  if (asked != ERROR_SUCCESS) ThrowWindowsError(asked, folder);
+  if (!IsFolder(attributes)) ThrowAbout(ErrorNumber::kPathFileAccess, folder, "Not a folder");
+  const DWORD error =
+      RemoveFolderAndContents(native, attributes, TagOf(native, attributes), pauses);
   if (error != ERROR_SUCCESS) ThrowWindowsError(error, folder);
 }
 
 void WindowsFileSystem::MakeFolder(std::string_view folder) {
   const std::wstring absolute = Absolute(folder);
+  RetryPauses pauses(patience_);
   std::vector<std::wstring> missing;
   for (std::wstring path = absolute;; path = ParentOf(path)) {
-    const Found found = LookAt(path);
+    // A folder that was deleted keeps its name as long as anybody looks into it.
+    const Found found = LookPatiently(path, pauses, Denied::kHeld);
     if (found.IsFolderThere()) break;
     if (found.IsThere()) ThrowAbout(ErrorNumber::kPathFileAccess, folder, "Is a file");
     if (!MeansMissing(found.error)) ThrowWindowsError(found.error, folder);
@@ -719,11 +813,13 @@ void WindowsFileSystem::MakeFolder(std::string_view folder) {
     path = missing.back();
   }
   for (; !missing.empty(); missing.pop_back()) {
-    RetryPauses pauses(patience_);
     const std::wstring native = Native(missing.back());
-    const DWORD error = RetryWhileBusy(pauses, [&]() -> DWORD {
-      return CreateDirectoryW(native.c_str(), nullptr) ? ERROR_SUCCESS : GetLastError();
-    });
+    const DWORD error = RetryWhileBusy(
+        pauses,
+        [&]() -> DWORD {
+          return CreateDirectoryW(native.c_str(), nullptr) ? ERROR_SUCCESS : GetLastError();
+        },
+        Denied::kHeld);
     // Another process may have made it meanwhile.
     if (error == ERROR_ALREADY_EXISTS && LookAt(missing.back()).IsFolderThere()) continue;
     if (error != ERROR_SUCCESS) ThrowWindowsError(error, folder);

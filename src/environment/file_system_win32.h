@@ -2,7 +2,9 @@
 //
 // Paths of any length: what comes near to 260 characters goes to the system in the "\\?\" form.
 // What another program holds for a moment (virus scanners, indexers) is tried again, with pauses
-// that are bounded; what it still holds then is an error. A device ("NUL", "COM1") is no file.
+// that are bounded; what it still holds then is an error. "Access denied" is waited out for a
+// moment only, since it seldom passes; longer where it is how Windows says that a target is in use.
+// A device ("NUL", "COM1") is no file.
 //
 // A file that is replaced as a whole takes the permissions that its folder gives to new files, and
 // keeps its spelling and whether it is hidden.
@@ -23,6 +25,11 @@ namespace txs {
 // The path as the functions of the system take it, however long. Throws kBadFileName for what no
 // path can be, kPathFileAccess for a device.
 [[nodiscard]] std::wstring NativePath(std::string_view path);
+
+// Whether a file or folder with these attributes and this reparse tag is another way to somewhere
+// else: a symbolic link, a junction. What a cloud service keeps is a reparse point too, and leads
+// nowhere. A tag of 0 is unknown (Wine tells none) and counts as a link.
+[[nodiscard]] bool LeadsElsewhere(unsigned long attributes, unsigned long tag);
 
 class WindowsFileSystem : public FileSystem, public HostPaths {
  public:

@@ -20,9 +20,11 @@ class RetryPauses {
   RetryPauses() = default;
   explicit RetryPauses(const Limits& limits) : limits_(limits), next_(limits.first) {}
 
-  // The time to wait before the next attempt; nothing when it is time to give up.
-  [[nodiscard]] std::optional<std::chrono::milliseconds> Next() {
-    const std::chrono::milliseconds pause = std::min(next_, limits_.total - spent_);
+  // The time to wait before the next attempt; nothing when it is time to give up. `most` bounds the
+  // pauses so far and this one, beside the limit for all.
+  [[nodiscard]] std::optional<std::chrono::milliseconds> Next(
+      std::chrono::milliseconds most = std::chrono::milliseconds::max()) {
+    const std::chrono::milliseconds pause = std::min(next_, std::min(limits_.total, most) - spent_);
     if (pause <= std::chrono::milliseconds::zero()) return std::nullopt;
     spent_ += pause;
     next_ = std::min(next_ * 2, limits_.longest);

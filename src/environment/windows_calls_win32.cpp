@@ -130,8 +130,9 @@ bool MayPassSoon(unsigned long error) {
          error == ERROR_DELETE_PENDING;
 }
 
-bool WaitToRetry(RetryPauses& pauses) {
-  const auto pause = pauses.Next();
+bool WaitToRetry(RetryPauses& pauses, unsigned long error, Denied denied) {
+  const bool is_short = error == ERROR_ACCESS_DENIED && denied == Denied::kMostlyForGood;
+  const auto pause = is_short ? pauses.Next(kPatienceWithDenied) : pauses.Next();
   if (!pause) return false;
   Sleep(static_cast<DWORD>(pause->count()));
   return true;

@@ -2,6 +2,7 @@
 // and the patience with other programs.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -50,15 +51,27 @@ class KernelHandle {
 // gives.
 [[nodiscard]] bool MayPassSoon(unsigned long error);
 
-// Sleeps for the next of `pauses`; false when they are used up.
-[[nodiscard]] bool WaitToRetry(RetryPauses& pauses);
+// What the "access denied" of an operation mostly means.
+enum class Denied {
+  kMostlyForGood,  // rights that the user lacks; a file that is being deleted is gone in a moment
+  kHeld,           // somebody has the target open
+};
+
+// "Access denied" for good is waited for no longer than this: a scan may meet hundreds of such
+// files.
+inline constexpr std::chrono::milliseconds kPatienceWithDenied{150};
+
+// Sleeps for the next of `pauses`; false when they are used up, as far as they go for this error.
+[[nodiscard]] bool WaitToRetry(RetryPauses& pauses, unsigned long error,
+                               Denied denied = Denied::kMostlyForGood);
 
 // Calls `operation` (0 or the error) until it succeeds, fails for good, or `pauses` are used up.
 template <typename Operation>
-[[nodiscard]] unsigned long RetryWhileBusy(RetryPauses& pauses, const Operation& operation) {
+[[nodiscard]] unsigned long RetryWhileBusy(RetryPauses& pauses, const Operation& operation,
+                                           Denied denied = Denied::kMostlyForGood) {
   for (;;) {
     const unsigned long error = operation();
-    if (error == 0 || !MayPassSoon(error) || !WaitToRetry(pauses)) return error;
+    if (error == 0 || !MayPassSoon(error) || !WaitToRetry(pauses, error, denied)) return error;
   }
 }
 

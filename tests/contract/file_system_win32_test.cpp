@@ -149,6 +149,70 @@ TEST_F(WindowsFileSystemTest, AFailedReplacementLeavesTheOldFileAndNothingBeside
   EXPECT_THAT(Names(""), ElementsAre("x"));
 }
 
+TEST_F(WindowsFileSystemTest, AReplacementThatCannotBeWrittenLeavesTheOldFileAndNothingBeside) {
+  Put("x", "old");
+  // Bytes that the system cannot read fail as a full disk does: with the new file open.
+  constexpr std::size_t kSize = 4096;
+  void* const unreadable = VirtualAlloc(nullptr, kSize, MEM_RESERVE | MEM_COMMIT, PAGE_NOACCESS);
+  ASSERT_NE(unreadable, nullptr);
+
+  EXPECT_NE(NumberOf([&] {
+              files.ReplaceWhole(At("x"), {static_cast<const char*>(unreadable), kSize});
+            }),
+            ErrorNumber{});
+
+  EXPECT_EQ(files.ReadWhole(At("x")), "old");
+  EXPECT_THAT(Names(""), ElementsAre("x"));
+  VirtualFree(unreadable, 0, MEM_RELEASE);
+}
+
+TEST_F(WindowsFileSystemTest, WhatIsBeingDeletedMayBeMadeAnewSoon) {
+  WindowsFileSystem patient(RetryPauses::Limits{
+      .first = milliseconds(5), .longest = milliseconds(20), .total = milliseconds(60'000)});
+  const auto operations = std::vector<std::pair<std::string, std::function<void()>>>{
+      {"replaced", [&] { patient.ReplaceWhole(At("replaced"), "new"); }},
+      {"folder", [&] { patient.MakeFolder(At("folder\\inside")); }}};
+  Put("replaced", "old");
+  files.MakeFolder(At("folder"));
+
+  for (const auto& [name, operation] : operations) {
+    KernelHandle held(CreateFileW(ToWide(At(name)).c_str(), GENERIC_READ, kShareAll, nullptr,
+                                  OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+    ASSERT_TRUE(held.IsOpen()) << name;
+    const std::wstring path = ToWide(At(name));
+    ASSERT_TRUE(name == "folder" ? RemoveDirectoryW(path.c_str()) : DeleteFileW(path.c_str()));
+
+    std::thread indexer([&held] {
+      std::this_thread::sleep_for(milliseconds(40));
+      held = KernelHandle();
+    });
+    EXPECT_NO_THROW(operation()) << name;
+    indexer.join();
+  }
+
+  EXPECT_EQ(files.ReadWhole(At("replaced")), "new");
+  EXPECT_TRUE(files.FolderExists(At("folder\\inside")));
+}
+
+TEST_F(WindowsFileSystemTest, AHiddenFileIsCopiedAsAnOrdinaryOneAndCopiedOver) {
+  Put("from", "contents");
+  Put("to", "something longer than that");
+  for (const DWORD attributes : {FILE_ATTRIBUTE_HIDDEN, FILE_ATTRIBUTE_SYSTEM}) {
+    SetAttributes("from", attributes);
+    SetAttributes("to", attributes);
+
+    files.CopyWhole(At("from"), At("to"));
+    files.CopyWhole(At("from"), At("new"));
+
+    for (const char* name : {"to", "new"}) {
+      EXPECT_EQ(files.ReadWhole(At(name)), "contents");
+      EXPECT_EQ(Attributes(name) & (FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM), 0U) << name;
+    }
+    EXPECT_NE(Attributes("from") & attributes, 0U);
+    files.RemoveFile(At("new"));
+  }
+}
+
 TEST_F(WindowsFileSystemTest, AHiddenFileIsReplacedWrittenAndStaysHidden) {
   Put("x", "old");
   SetAttributes("x", FILE_ATTRIBUTE_HIDDEN);
@@ -184,6 +248,30 @@ TEST_F(WindowsFileSystemTest, ATreeGoesWithReadOnlyFilesAndFolders) {
   EXPECT_THAT(Names(""), IsEmpty());
 }
 
+TEST_F(WindowsFileSystemTest, ATreeGoesWithNamesThatMeanSomethingElseToWindows) {
+  const std::wstring tree = ToWide("\\\\?\\" + At("tree"));
+  const std::vector<std::wstring> folders = {tree, tree + L"\\nul", tree + L"\\dot.",
+                                             tree + L"\\dot.\\blank "};
+  const std::vector<std::wstring> inside = {tree + L"\\aux", tree + L"\\com1.txt",
+                                            tree + L"\\nul\\x.", tree + L"\\dot.\\x "};
+  for (const std::wstring& path : folders) {
+    ASSERT_TRUE(CreateDirectoryW(path.c_str(), nullptr)) << ToUtf8(path);
+  }
+  for (const std::wstring& path : inside) {
+    const KernelHandle file(
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr));
+    ASSERT_TRUE(file.IsOpen()) << ToUtf8(path);
+  }
+
+  EXPECT_EQ(NumberOf([&] { files.RemoveTree(At("tree")); }), ErrorNumber{});
+
+  EXPECT_THAT(Names(""), IsEmpty());
+  // What tidies after a test does not know these names, and would not end.
+  for (const std::wstring& path : inside) DeleteFileW(path.c_str());
+  for (auto path = folders.rbegin(); path != folders.rend(); ++path)
+    RemoveDirectoryW(path->c_str());
+}
+
 TEST_F(WindowsFileSystemTest, AFileInUseKeepsItsTreeAndNothingElse) {
   files.MakeFolder(At("tree\\a"));
   files.MakeFolder(At("tree\\z"));
@@ -217,6 +305,37 @@ TEST_F(WindowsFileSystemTest, WhatAJunctionPointsToIsNeverDeleted) {
   } else {
     // Wine shows links of the host, and cannot remove those to folders.
     EXPECT_NE(number, ErrorNumber{});
+  }
+}
+
+TEST(WindowsReparsePoints, OnlyLinksLeadElsewhere) {
+  constexpr DWORD kFolder = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
+  constexpr DWORD kTagOfACloud = 0x9000'001A;
+
+  EXPECT_TRUE(LeadsElsewhere(kFolder, IO_REPARSE_TAG_MOUNT_POINT));
+  EXPECT_TRUE(LeadsElsewhere(FILE_ATTRIBUTE_REPARSE_POINT, IO_REPARSE_TAG_SYMLINK));
+  EXPECT_TRUE(LeadsElsewhere(kFolder, 0));
+  EXPECT_FALSE(LeadsElsewhere(kFolder, kTagOfACloud));
+  EXPECT_FALSE(LeadsElsewhere(FILE_ATTRIBUTE_DIRECTORY, 0));
+}
+
+TEST(WindowsPaths, TheFormOfTheSystemIsTakenForDrivesAndShares) {
+  EXPECT_EQ(NativePath("\\\\?\\C:\\a"), L"C:\\a");
+  EXPECT_EQ(NativePath("\\\\?\\UNC\\server\\share\\a"), L"\\\\server\\share\\a");
+  EXPECT_EQ(NativePath("\\\\?\\unc\\server\\share\\a"), L"\\\\server\\share\\a");
+  EXPECT_EQ(NativePath("//?/Unc/server/share/a"), L"\\\\server\\share\\a");
+}
+
+TEST_F(WindowsFileSystemTest, WhatLiesOnNoDriveAndNoShareIsNoPath) {
+  for (const std::string& path :
+       {std::string("\\\\?\\Volume{7c1e3f52-9a4b-4d77-8e21-3b0a5d6f9c10}\\x"),
+        std::string("\\\\?\\GLOBALROOT\\x"), std::string("\\\\?\\x"),
+        std::string("\\\\ser\0ver\\share\\x", 18), std::string("\\\\server\\sha\0re\\x", 18),
+        std::string("\\\\server\\sha*re\\x")}) {
+    EXPECT_EQ(NumberOf([&] { static_cast<void>(files.OpenForReading(path)); }),
+              ErrorNumber::kBadFileName)
+        << path;
+    EXPECT_FALSE(files.FileExists(path)) << path;
   }
 }
 
@@ -276,6 +395,28 @@ TEST_F(WindowsFileSystemTest, TheTimeIsThatOfTheSystem) {
   EXPECT_EQ(files.LastWriteTime(At("x")),
             FileTime(std::chrono::sys_days(std::chrono::year(2004) / 3 / 15)) +
                 std::chrono::hours(12) + FileTicks(1));
+}
+
+// How often an operation is tried that always ends with this error.
+int Attempts(DWORD error, Denied denied) {
+  RetryPauses pauses(RetryPauses::Limits{
+      .first = milliseconds(50), .longest = milliseconds(50), .total = milliseconds(300)});
+  int attempts = 0;
+  const auto operation = [&]() -> DWORD {
+    ++attempts;
+    return error;
+  };
+  EXPECT_EQ(RetryWhileBusy(pauses, operation, denied), error);
+  return attempts;
+}
+
+TEST(WindowsRetry, WhatIsDeniedForGoodIsGivenUpSooner) {
+  static_assert(kPatienceWithDenied == milliseconds(150));
+
+  EXPECT_EQ(Attempts(ERROR_SHARING_VIOLATION, Denied::kMostlyForGood), 7);
+  EXPECT_EQ(Attempts(ERROR_ACCESS_DENIED, Denied::kMostlyForGood), 4);
+  EXPECT_EQ(Attempts(ERROR_ACCESS_DENIED, Denied::kHeld), 7);
+  EXPECT_EQ(Attempts(ERROR_DISK_FULL, Denied::kHeld), 1);
 }
 
 TEST(WindowsErrors, HaveTheNumbersThatUsersKnow) {

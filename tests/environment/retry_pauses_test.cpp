@@ -28,6 +28,16 @@ TEST(RetryPauses, WithoutTimeThereIsNone) {
   EXPECT_THAT(All(RetryPauses(RetryPauses::Limits{.total = milliseconds(0)})), testing::IsEmpty());
 }
 
+TEST(RetryPauses, OneErrorMayHaveLessTimeThanAnother) {
+  RetryPauses pauses(RetryPauses::Limits{
+      .first = milliseconds(5), .longest = milliseconds(20), .total = milliseconds(60)});
+
+  EXPECT_EQ(pauses.Next(milliseconds(12)), milliseconds(5));
+  EXPECT_EQ(pauses.Next(milliseconds(12)), milliseconds(7));
+  EXPECT_EQ(pauses.Next(milliseconds(12)), std::nullopt);
+  EXPECT_EQ(pauses.Next(), milliseconds(20));
+}
+
 TEST(RetryPauses, AreBoundedWithoutLimitsOfTheirOwn) {
   milliseconds sum{0};
   for (const milliseconds pause : All(RetryPauses())) sum += pause;
