@@ -421,12 +421,41 @@ class TemporaryFile {
   std::wstring path_;
 };
 
+constexpr std::wstring_view kTemporaryPrefix = L"txs-";
+constexpr std::wstring_view kTemporarySuffix = L".tmp";
+constexpr std::size_t kTemporaryDigits = 12;
+
 std::wstring TemporaryNameIn(const std::wstring& folder) {
   static std::atomic<unsigned> counter = 0;
-  std::array<wchar_t, 40> name = {};
-  swprintf(name.data(), name.size(), L"txs-%08lx%04x.tmp",
+  std::array<wchar_t, kTemporaryDigits + 1> digits = {};
+  swprintf(digits.data(), digits.size(), L"%08lx%04x",
            GetCurrentProcessId() * 2654435761UL + GetTickCount(), counter++ & 0xFFFFU);
-  return Below(folder, name.data());
+  return Below(folder,
+               std::wstring(kTemporaryPrefix) + digits.data() + std::wstring(kTemporarySuffix));
+}
+
+bool IsTemporaryName(std::wstring_view name) {
+  return name.size() == kTemporaryPrefix.size() + kTemporaryDigits + kTemporarySuffix.size() &&
+         name.starts_with(kTemporaryPrefix) && name.ends_with(kTemporarySuffix) &&
+         name.substr(kTemporaryPrefix.size(), kTemporaryDigits)
+                 .find_first_not_of(L"0123456789abcdef") == std::wstring_view::npos;
+}
+
+// Whoever writes a temporary file has it open until it took its place, and what is open cannot be
+// opened for oneself alone. One that can was left by a process that was killed; without this, each
+// of them would leave one more.
+void RemoveAbandonedTemporaries(const std::wstring& folder) {
+  std::vector<std::wstring> paths;
+  for (Search search(Native(Below(folder, L"txs-*.tmp"))); search.IsOpen(); search.Next()) {
+    if (IsTemporaryName(search.Entry().cFileName)) {
+      paths.push_back(Below(folder, search.Entry().cFileName));
+    }
+  }
+  for (const std::wstring& path : paths) {
+    const KernelHandle goes_when_closed(
+        CreateFileW(Native(path).c_str(), DELETE, /*dwShareMode=*/0, nullptr, OPEN_EXISTING,
+                    FILE_FLAG_DELETE_ON_CLOSE | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+  }
 }
 
 // A target that is open is denied, not shared, however it is open.
@@ -685,9 +714,14 @@ void WindowsFileSystem::ReplaceWhole(std::string_view path, std::string_view byt
 
   // ReplaceFileW would keep more of the old file, but where it fails half-way the old file may be
   // gone.
+  RemoveAbandonedTemporaries(ParentOf(target));
   const std::wstring temporary_path = TemporaryNameIn(ParentOf(target));
-  const Opening opening = {GENERIC_WRITE, 0, CREATE_NEW, FILE_ATTRIBUTE_NORMAL};
-  TemporaryFile temporary(Open(path, temporary_path, opening, pauses), temporary_path);
+  constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+  const Opening to_write = {GENERIC_WRITE, kShareAll, CREATE_NEW, FILE_ATTRIBUTE_NORMAL};
+  const Opening to_hold = {GENERIC_READ, kShareAll, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL};
+  TemporaryFile temporary(Open(path, temporary_path, to_write, pauses), temporary_path);
+  // Until the file has its name: between closing and renaming it would look abandoned.
+  const KernelHandle held = Open(path, temporary_path, to_hold, pauses);
   WriteBytes(temporary.file.Get(), 0, std::as_bytes(std::span(bytes)), path);
   if (!FlushFileBuffers(temporary.file.Get())) ThrowWindowsError(GetLastError(), path);
   if (const DWORD error = temporary.file.Close(); error != ERROR_SUCCESS) {

@@ -439,5 +439,24 @@ TYPED_TEST(FileSystemContract, ADriveThatIsMissingHasNoFreeSpace) {
   EXPECT_EQ(this->ErrorOf([&] { (void)this->files.FreeSpaceBytes("Q:\\x"); }), 76);
 }
 
+// Each process that was killed while it saved left one more for good.
+TEST(RealFileSystem, TemporaryFilesThatNobodyWritesAnyMoreGoWithTheNextReplacement) {
+  RealFileSystemWorld world;
+  const std::string abandoned = "C:\\Demo\\" + RealFileSystemWorld::TemporaryName('a');
+  const std::string being_written = "C:\\Demo\\" + RealFileSystemWorld::TemporaryName('b');
+  const std::string of_others = "C:\\Demo\\" + RealFileSystemWorld::TemporaryName('c') + "x";
+  for (const std::string& path : {abandoned, being_written, of_others}) {
+    world.files.CreateForWriting(path)->Close();
+  }
+  const std::shared_ptr<void> writer = world.HoldAsWriter(being_written);
+
+  world.files.ReplaceWhole("C:\\Demo\\x", "new");
+
+  EXPECT_FALSE(world.files.FileExists(abandoned));
+  EXPECT_TRUE(world.files.FileExists(being_written));
+  EXPECT_TRUE(world.files.FileExists(of_others));
+  EXPECT_EQ(world.files.ReadWhole("C:\\Demo\\x"), "new");
+}
+
 }  // namespace
 }  // namespace txs

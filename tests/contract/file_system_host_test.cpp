@@ -6,7 +6,6 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
 #include <sys/fsuid.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -126,22 +125,6 @@ TEST_F(HostFileSystemTest, AFolderThatIsReplacedIsReadAnew) {
   Put("drive_c/demo/x", "1");
 
   EXPECT_TRUE(files_.FileExists("C:\\DEMO\\X"));
-}
-
-// Each process that was killed while it saved left one more for good.
-TEST_F(HostFileSystemTest, TemporaryFilesThatNobodyWritesAnyMoreGoWithTheNextReplacement) {
-  Put("drive_c/Demo/.txs-abc123", "left by a process that was killed");
-  Put("drive_c/Demo/.txs-def456", "being written");
-  Put("drive_c/Demo/.txs-notes", "of somebody else");
-  const int writing = open(Host("drive_c/Demo/.txs-def456").c_str(), O_RDONLY | O_CLOEXEC);
-  ASSERT_EQ(flock(writing, LOCK_EX), 0);
-
-  files_.ReplaceWhole("C:\\Demo\\x", "new");
-  close(writing);
-
-  EXPECT_FALSE(fs::exists(Host("drive_c/Demo/.txs-abc123")));
-  EXPECT_TRUE(fs::exists(Host("drive_c/Demo/.txs-def456")));
-  EXPECT_TRUE(fs::exists(Host("drive_c/Demo/.txs-notes")));
 }
 
 TEST_F(HostFileSystemTest, ReplacingALinkReplacesWhatItPointsTo) {

@@ -23,6 +23,12 @@ class RealFileSystemWorld {
 
   void SetReadOnly(const std::string& path);
 
+  // A name as a file has that is written to take another's place; one for every digit.
+  [[nodiscard]] static std::string TemporaryName(char digit);
+
+  // Holds a file as the process does that writes it, until what is returned goes.
+  [[nodiscard]] std::shared_ptr<void> HoldAsWriter(const std::string& path);
+
  private:
   struct Parts;
   std::unique_ptr<Parts> parts_;

@@ -1,10 +1,16 @@
+#include "contract/real_worlds.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+
 #include <filesystem>
 
 #include "contract/environment_variable.h"
-#include "contract/real_worlds.h"
 #include "environment/clock_host.h"
 #include "environment/file_locks_host.h"
 #include "environment/file_system_host.h"
+#include "environment/host_calls_host.h"
 #include "environment/registry_host.h"
 #include "environment/special_folders_host.h"
 #include "fakes/memory_registry.h"
@@ -25,6 +31,16 @@ RealFileSystemWorld::~RealFileSystemWorld() = default;
 
 void RealFileSystemWorld::SetReadOnly(const std::string& path) {
   std::filesystem::permissions(parts_->files.HostPath(path), std::filesystem::perms::owner_read);
+}
+
+std::string RealFileSystemWorld::TemporaryName(char digit) {
+  return ".txs-" + std::string(6, digit);
+}
+
+std::shared_ptr<void> RealFileSystemWorld::HoldAsWriter(const std::string& path) {
+  auto file = std::make_shared<Descriptor>(OpenRetrying(parts_->files.HostPath(path), O_RDONLY));
+  EXPECT_EQ(flock(file->Get(), LOCK_EX | LOCK_NB), 0);
+  return file;
 }
 
 struct RealLocksWorld::Parts {

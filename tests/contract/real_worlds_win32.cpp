@@ -43,6 +43,16 @@ void RealFileSystemWorld::SetReadOnly(const std::string& path) {
   SetFileAttributesW(ToWide(path).c_str(), FILE_ATTRIBUTE_READONLY);
 }
 
+std::string RealFileSystemWorld::TemporaryName(char digit) {
+  return "txs-" + std::string(12, digit) + ".tmp";
+}
+
+std::shared_ptr<void> RealFileSystemWorld::HoldAsWriter(const std::string& path) {
+  return std::make_shared<KernelHandle>(CreateFileW(
+      ToWide(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+      nullptr, OPEN_EXISTING, 0, nullptr));
+}
+
 struct RealLocksWorld::Parts {
   RealFileSystemWorld world;
   WindowsFileLocks locks;
