@@ -37,17 +37,21 @@ tools/install_packages.sh $groups
 set --
 if [ "$preset" = windows-x64 ]; then
   programs='TXSetupWizard TXSetupTool'
-  cmake/build_windows_libraries.sh x86_64
-  cmake/build_windows_libraries.sh i686
+  cmake/build_windows_libraries.sh x86_64 i686
   echo "== Building (the programs of this machine, to compare with, and those of preset windows-x86)"
-  mkdir -p build
-  cmake --preset core -B build/windows-host -D TXS_TESTS=OFF -D TXS_BENCHMARKS=OFF > /dev/null
+  # Those of the everyday build, where there is one.
+  host=build/ci
+  if [ ! -e "$host/build.ninja" ]; then
+    host=build/windows-host
+    mkdir -p build
+    cmake --preset core -B "$host" -D TXS_TESTS=OFF -D TXS_BENCHMARKS=OFF > /dev/null
+  fi
   # shellcheck disable=SC2086 # one word per program
-  cmake --build build/windows-host --target $programs make_sample_binaries
+  cmake --build "$host" --target $programs make_sample_binaries
   cmake --preset windows-x86 -D TXS_TESTS=OFF -D TXS_WARNINGS_AS_ERRORS=ON > /dev/null
   # shellcheck disable=SC2086 # one word per program
   cmake --build --preset windows-x86 --target $programs
-  set -- -D "TXS_HOST_BUILD=$PWD/build/windows-host" -D "TXS_X86_BUILD=$PWD/build/windows-x86"
+  set -- -D "TXS_HOST_BUILD=$PWD/$host" -D "TXS_X86_BUILD=$PWD/build/windows-x86"
 fi
 
 # Analysis asks preset ci only for the compiler's options.
@@ -108,8 +112,8 @@ if [ "$preset" = ci ]; then
 fi
 
 if [ "$preset" = windows-x64 ]; then
-  run_check package-x86 tests/package/zip_test.sh build/windows-x86
-  run_check package-x64 tests/package/zip_test.sh "$build" "$PWD/cmake/run_under_wine.sh"
+  run_check package-x86 tests/package/zip_test.sh build/windows-x86 x86
+  run_check package-x64 tests/package/zip_test.sh "$build" x64 "$PWD/cmake/run_under_wine.sh"
 fi
 
 echo "== Tests"

@@ -1,14 +1,16 @@
 #!/bin/sh
-# cmake/build_windows_libraries.sh x86_64|i686 [--without-wx]
+# cmake/build_windows_libraries.sh [--without-wx] x86_64|i686...
 #
-# Builds what mingw-w64 lacks - libdeflate, GoogleTest and wxWidgets - from Debian's source packages,
-# once per machine, into ${XDG_CACHE_HOME:-~/.cache}/tx-windows-libraries, where the toolchain files
-# look. Does nothing when everything is there. The versions are those that this machine has (or would
-# get) for its own system: what a file is compressed with is the same on both.
+# Builds what mingw-w64 lacks - libdeflate, GoogleTest, libzip (for the tests) and wxWidgets - from
+# Debian's source packages, once per machine, into ${XDG_CACHE_HOME:-~/.cache}/tx-windows-libraries,
+# where the toolchain files look. Does nothing when everything is there. The versions are those that
+# this machine has (or would get) for its own system: what a file is compressed with is the same on
+# both.
 #
 # A library is built in a scratch folder and moved into place when it is finished; what was
 # interrupted is never used. Its name there holds version, compiler and options, so that a change of
-# any of them builds anew.
+# any of them builds anew. Several targets are built at once: half of the time goes into configuring,
+# which uses one processor.
 set -eu
 
 usage() {
@@ -16,32 +18,29 @@ usage() {
   exit 2
 }
 
-case ${1:-} in
-  x86_64 | i686) target=$1-w64-mingw32 ;;
-  *) usage >&2 ;;
-esac
 with_wx=1
-case ${2:-} in
-  '') ;;
-  --without-wx) with_wx=0 ;;
-  *) usage >&2 ;;
-esac
+targets=
+for argument in "$@"; do
+  case $argument in
+    x86_64 | i686) targets="$targets $argument-w64-mingw32" ;;
+    --without-wx) with_wx=0 ;;
+    *) usage >&2 ;;
+  esac
+done
+[ -n "$targets" ] || usage >&2
 
 base=${XDG_CACHE_HOME:-$HOME/.cache}/tx-windows-libraries
-mkdir -p "$base/$target/store"
+mkdir -p "$base"
 base=$(cd "$base" && pwd)
-home=$base/$target
-compiler=$target-g++-posix
-compiler_version=$("$compiler" -dumpfullversion)
 optimise='-O2 -ffunction-sections -fdata-sections'
 # The toolkit is most of a program's size and little of its time.
 small='-Os -ffunction-sections -fdata-sections'
 
-# Two builds at once, of the same or of both targets, take turns.
+# Two builds at once take turns.
 exec 9> "$base/lock"
 flock 9
 
-scratch=$(mktemp -d "$home/build.XXXXXX")
+scratch=$(mktemp -d "$base/build.XXXXXX")
 trap 'rm -rf "$scratch"' EXIT
 trap 'exit 1' HUP INT TERM
 
@@ -83,12 +82,13 @@ run_apt() {
     -o "Dir::Cache::srcpkgcache=" -o "APT::Sandbox::User=$(id -un)" "$@"
 }
 
-# fetch SOURCE VERSION FOLDER: unpacks a source package, Debian's patches applied, as FOLDER.
+# fetch SOURCE VERSION: unpacks a source package, Debian's patches applied, as $scratch/SOURCE.
 fetch() {
+  [ ! -d "$scratch/$1" ] || return 0
   prepare_sources
   mkdir "$scratch/fetch"
   (cd "$scratch/fetch" && run_apt --download-only source "$1=$2") > "$scratch/log" 2>&1 &&
-    dpkg-source --no-check -x "$scratch/fetch/$1_"*.dsc "$3" >> "$scratch/log" 2>&1 || {
+    dpkg-source --no-check -x "$scratch/fetch/$1_"*.dsc "$scratch/$1" >> "$scratch/log" 2>&1 || {
     cat "$scratch/log" >&2
     echo "$0: cannot get the source package $1, version $2" >&2
     exit 1
@@ -96,25 +96,41 @@ fetch() {
   rm -rf "$scratch/fetch"
 }
 
-# provide LIBRARY VERSION OPTIONS: runs build_LIBRARY VERSION SOURCE PREFIX unless that is in the
-# store, and points $home/LIBRARY at it.
-provide() {
-  library=$1
-  key=$(printf '%s\n' "$2" "$3" "$compiler_version" | sha256sum | cut -c 1-12)
-  stored=$home/store/$library-$2-$key
-  if [ ! -d "$stored" ]; then
-    echo "Building $library $2 for $target" >&2
-    rm -rf "$scratch/source" "$scratch/prefix"
+# wanted LIBRARY SOURCE VERSION OPTIONS: notes for every target what is to be built, and gets the
+# sources (SOURCE - for none). Sets the library's place to what is, or will be, in the store.
+wanted() {
+  for target in $targets; do
+    home=$base/$target
+    mkdir -p "$home/store"
+    key=$(printf '%s\n' "$3" "$4" "$("$target-g++-posix" -dumpfullversion)" | sha256sum | cut -c 1-12)
+    stored=$home/store/$1-$3-$key
+    if [ -d "$stored" ]; then
+      ln -sfn "store/$(basename "$stored")" "$home/$1"
+    else
+      [ "$2" = - ] || fetch "$2" "$3"
+      echo "$1 $3 $scratch/$2 $stored" >> "$scratch/$target.wanted"
+    fi
+  done
+}
+
+# Builds what was noted for a target: build_LIBRARY SOURCE BUILD PREFIX STORED each.
+build_target() {
+  target=$1
+  compiler=$target-g++-posix
+  while read -r library version source stored; do
+    echo "Building $library $version for $target" >&2
+    build=$scratch/$target/$library
+    mkdir -p "$build"
     # Not as a condition, in which the shell would carry on after a step that failed.
-    "build_$library" "$2" "$scratch/source" "$scratch/prefix" "$stored" > "$scratch/build.log" 2>&1 &
+    "build_$library" "$source" "$build" "$build.prefix" "$stored" > "$build.log" 2>&1 &
     if ! wait $!; then
-      { grep -E '(error|Error|ERROR)' "$scratch/build.log" || tail -n 40 "$scratch/build.log"; } >&2
-      echo "$0: building $library failed" >&2
+      { grep -E '(error|Error|ERROR)' "$build.log" || tail -n 40 "$build.log"; } >&2
+      echo "$0: building $library for $target failed" >&2
       exit 1
     fi
-    mv "$scratch/prefix" "$stored"
-  fi
-  ln -sfn "store/$(basename "$stored")" "$home/$library"
+    mv "$build.prefix" "$stored"
+    ln -sfn "store/$(basename "$stored")" "$base/$target/$library"
+  done < "$scratch/$target.wanted"
 }
 
 # Libraries that are headers only are this machine's; in a folder of their own, since beside them are
@@ -126,21 +142,40 @@ build_headers() {
 }
 
 build_libdeflate() {
-  fetch libdeflate "$1" "$2"
+  cp -R "$1/." "$2"
   make -C "$2" -j "$(nproc)" CC="$target-gcc-posix" AR="$target-ar" CFLAGS="$optimise" \
     DISABLE_SHARED=yes libdeflatestatic.lib
   mkdir -p "$3/include" "$3/lib" "$3/share"
   cp "$2/libdeflate.h" "$3/include"
   cp "$2/libdeflatestatic.lib" "$3/lib/libdeflate.a"
-  cp "$2/debian/copyright" "$3/share/copyright"
+  cp "$1/debian/copyright" "$3/share/copyright"
 }
 
-build_googletest() {
-  cmake -S /usr/src/googletest -B "$2" -G Ninja -D CMAKE_BUILD_TYPE=Release \
+# build_with_cmake SOURCE BUILD PREFIX [OPTION...]
+build_with_cmake() {
+  source=$1 build=$2 prefix=$3
+  shift 3
+  cmake -S "$source" -B "$build" -G Ninja -D CMAKE_BUILD_TYPE=Release \
+    -D CMAKE_INSTALL_PREFIX="$prefix" \
     -D CMAKE_SYSTEM_NAME=Windows -D CMAKE_C_COMPILER="$target-gcc-posix" \
-    -D CMAKE_CXX_COMPILER="$compiler" -D CMAKE_INSTALL_PREFIX="$3" -D CMAKE_CXX_STANDARD=20
-  cmake --build "$2"
-  cmake --install "$2"
+    -D CMAKE_CXX_COMPILER="$compiler" -D CMAKE_RC_COMPILER="$target-windres" \
+    -D CMAKE_FIND_ROOT_PATH="/usr/$target" \
+    -D CMAKE_FIND_ROOT_PATH_MODE_LIBRARY=ONLY -D CMAKE_FIND_ROOT_PATH_MODE_INCLUDE=ONLY \
+    -D CMAKE_FIND_ROOT_PATH_MODE_PACKAGE=ONLY "$@"
+  cmake --build "$build"
+  cmake --install "$build"
+}
+
+build_googletest() { build_with_cmake /usr/src/googletest "$2" "$3" -D CMAKE_CXX_STANDARD=20; }
+
+# Reads archives in the tests; no part of a program.
+zip_options='-D BUILD_SHARED_LIBS=OFF -D BUILD_TOOLS=OFF -D BUILD_REGRESS=OFF -D BUILD_EXAMPLES=OFF
+  -D BUILD_DOC=OFF -D ENABLE_WINDOWS_CRYPTO=OFF -D ENABLE_OPENSSL=OFF -D ENABLE_GNUTLS=OFF
+  -D ENABLE_MBEDTLS=OFF -D ENABLE_BZIP2=OFF -D ENABLE_LZMA=OFF -D ENABLE_ZSTD=OFF
+  -D ZLIB_USE_STATIC_LIBS=ON'
+build_libzip() {
+  # shellcheck disable=SC2086 # one word per option
+  build_with_cmake "$1" "$2" "$3" $zip_options
 }
 
 # The parts of wxWidgets that the windows use; nothing that would need a further library. The picture
@@ -167,13 +202,12 @@ wx_options='--with-msw --disable-shared --enable-unicode --disable-tests --disab
   --disable-rearrangectrl --disable-toolbook --disable-treebook --disable-listbook
   --disable-choicebook --disable-aboutdlg --disable-finddlg --disable-treelist'
 build_wxwidgets() {
-  fetch wxwidgets3.2 "$1" "$2"
   # The paths of the sources are in the texts of assertions; they would name this machine.
-  flags="$small -ffile-prefix-map=$2=wxwidgets"
+  flags="$small -ffile-prefix-map=$1=wxwidgets"
   # shellcheck disable=SC2086 # one word per option
   (
     cd "$2"
-    ./configure --host="$target" --build="$(./config.guess)" --prefix="$4" \
+    "$1/configure" --host="$target" --build="$("$1/config.guess")" --prefix="$4" \
       CC="$target-gcc-posix" CXX="$compiler" CFLAGS="$flags" CXXFLAGS="$flags" $wx_options
     make -j "$(nproc)"
     # Its own files name the place where it will be; the copy is made where it is not yet.
@@ -181,12 +215,25 @@ build_wxwidgets() {
   )
   mv "$2/installed$4" "$3"
   mkdir -p "$3/share"
-  cp "$2/debian/copyright" "$3/share/copyright"
+  cp "$1/debian/copyright" "$3/share/copyright"
 }
 
-provide headers "$(source_version nlohmann-json3-dev)+$(source_version libcli11-dev)" headers
-provide libdeflate "$(source_version libdeflate-dev)" "$optimise"
-provide googletest "$(source_version googletest)" Release
+wanted headers - "$(source_version nlohmann-json3-dev)+$(source_version libcli11-dev)" headers
+wanted libdeflate libdeflate "$(source_version libdeflate-dev)" "$optimise"
+wanted googletest - "$(source_version googletest)" Release
+wanted libzip libzip "$(source_version libzip-dev)" "$zip_options"
 if [ "$with_wx" -eq 1 ]; then
-  provide wxwidgets "$(source_version libwxgtk3.2-dev)" "$small $wx_options"
+  wanted wxwidgets wxwidgets3.2 "$(source_version libwxgtk3.2-dev)" "$small $wx_options"
 fi
+
+running=
+for target in $targets; do
+  [ -s "$scratch/$target.wanted" ] || continue
+  build_target "$target" &
+  running="$running $!"
+done
+result=0
+for process in $running; do
+  wait "$process" || result=1
+done
+exit "$result"

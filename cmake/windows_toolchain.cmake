@@ -20,7 +20,8 @@ endif()
 set(TXS_WINDOWS_LIBRARIES "${TXS_CACHE}/tx-windows-libraries/${TXS_MINGW}")
 set(CMAKE_FIND_ROOT_PATH
     "${TXS_WINDOWS_LIBRARIES}/headers" "${TXS_WINDOWS_LIBRARIES}/libdeflate"
-    "${TXS_WINDOWS_LIBRARIES}/googletest" "${TXS_WINDOWS_LIBRARIES}/wxwidgets" /usr/${TXS_MINGW}
+    "${TXS_WINDOWS_LIBRARIES}/googletest" "${TXS_WINDOWS_LIBRARIES}/libzip"
+    "${TXS_WINDOWS_LIBRARIES}/wxwidgets" /usr/${TXS_MINGW}
     # What wx-config names is in the store.
     "${TXS_WINDOWS_LIBRARIES}")
 set(wxWidgets_CONFIG_EXECUTABLE "${TXS_WINDOWS_LIBRARIES}/wxwidgets/bin/wx-config"
