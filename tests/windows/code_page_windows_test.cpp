@@ -88,5 +88,14 @@ TEST(FoldingOnWindows, PairsOfCapitalAndSmallLettersAreThoseOfCompareString) {
   }
 }
 
+// CompareString may take it for a small sigma; a disk holds files of both names.
+TEST(FoldingOnWindows, TheSmallSigmaAtTheEndOfAWordIsALetterOfItsOwn) {
+  EXPECT_TRUE(EqualNoCase("\u03A3", "\u03C3"));
+  EXPECT_FALSE(EqualNoCase("\u03A3", "\u03C2"));
+  EXPECT_FALSE(EqualNoCase("\u03C3", "\u03C2"));
+  EXPECT_FALSE(FileSystemFindsEqual(L'\u03A3', L'\u03C2'));
+  EXPECT_FALSE(FileSystemFindsEqual(L'\u03C3', L'\u03C2'));
+}
+
 }  // namespace
 }  // namespace txs

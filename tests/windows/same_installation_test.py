@@ -1,65 +1,30 @@
 #!/usr/bin/env python3
 """The Windows program on the sample studio, with the real registry, beside the program of this machine.
 
-What both build must be the same byte for byte. Run by CTest, one test per scenario:
-    same_installation_test.py WINE PREFIX WIZARD.exe TOOL.exe WIZARD GENERATOR PREPARE SCENARIO
+What both build must be the same byte for byte. Run by CTest, one test per scenario; for the arguments
+see windows_studio.py.
 """
 
 import os
 import pathlib
-import shutil
 import subprocess
-import sys
-import tempfile
-import unittest
+import zipfile
 
-from windows_studio import WindowsStudio
-
-WINE, PREFIX, WINDOWS_WIZARD, WINDOWS_TOOL, WIZARD, GENERATOR, PREPARE = sys.argv[1:8]
-
-PLANT = "Mischanlage Süd"
-SERVER = "Kläranlage Server"
-CLIENT = "Leitstand Client"
+from windows_studio import (CLIENT, PLANT, SERVER, WINDOWS_TOOL, WINDOWS_WIZARD, StudioTest,
+                            files_below, main)
 
 
-def files_below(folder):
-    return {str(path.relative_to(folder)): path.read_bytes()
-            for path in sorted(folder.rglob("*")) if path.is_file()}
-
-
-class SameInstallation(unittest.TestCase):
-    def setUp(self):
-        self.scratch = pathlib.Path(tempfile.mkdtemp(prefix="same-installation-"))
-        self.addCleanup(shutil.rmtree, self.scratch)
-        self.windows = WindowsStudio(WINE, PREFIX, PREPARE, GENERATOR, self.scratch)
-        self.twin = self.windows.lay()
-
-    def build_here(self, argument):
-        environment = dict(os.environ, TAVIX_ROOT=str(self.twin))
-        return subprocess.run([WIZARD, "/c=" + argument], env=environment,
-                              stdin=subprocess.DEVNULL, capture_output=True, check=False)
-
-    def build_there(self, argument):
-        return self.windows.run(WINDOWS_WIZARD, "/c=" + argument)
-
-    def assert_same(self, project, argument):
+class SameInstallation(StudioTest):
+    def assert_same(self, project, argument, wizard=WINDOWS_WIZARD):
         here = self.build_here(argument)
         self.assertEqual(here.returncode, 0, here.stderr)
-        there = self.build_there(argument)
-        self.assertEqual(there.returncode, 0,
-                         there.stderr.decode(errors="replace") + self.log_there(project))
-        below = pathlib.Path("drive_c/Projekte") / project / "Setup"
-        expected = files_below(self.twin / below)
-        found = files_below(self.windows.prefix / below)
+        self.assert_succeeded(self.build_there(argument, wizard), project)
+        expected = files_below(self.directory_here(project) / "Setup")
+        found = files_below(self.directory_there(project) / "Setup")
         self.assertIn(os.path.join("DISK1", "SETUP.STP"), found)
         self.assertEqual(sorted(found), sorted(expected))
         for name, contents in expected.items():
             self.assertEqual(found[name], contents, f"{name} differs")
-
-    def log_there(self, project):
-        for log in (self.windows.drive_c / "Projekte").rglob("*TXSetupWizard.log"):
-            return "\n" + log.read_bytes().decode("cp1252")
-        return ""
 
     def test_a_project_with_umlauts_fills_the_same_three_diskettes(self):
         self.assert_same(PLANT, rf"C:\Projekte\{PLANT}\{PLANT}.txs")
@@ -70,22 +35,43 @@ class SameInstallation(unittest.TestCase):
     def test_a_client_project_lies_on_one_disk(self):
         self.assert_same(CLIENT, CLIENT)
 
+    def test_the_package_of_a_user_works_in_a_folder_with_blanks_and_umlauts(self):
+        build = pathlib.Path(WINDOWS_WIZARD).parents[2]
+        subprocess.run(["cpack", "-G", "ZIP", "-B", str(self.scratch / "packages")], cwd=build,
+                       stdout=subprocess.DEVNULL, check=True)
+        (package,) = (self.scratch / "packages").glob("*.zip")
+        folder = self.scratch / "Setup-Assistent für Süd"
+        with zipfile.ZipFile(package) as entries:
+            entries.extractall(folder)
+        (programs,) = folder.iterdir()
+
+        self.assert_same(PLANT, PLANT, wizard=programs / "TXSetupWizard.exe")
+
+        verified = self.windows.run(programs / "TXSetupTool.exe", "verify",
+                                    rf"C:\Projekte\{PLANT}\Setup")
+        self.assertEqual(verified.returncode, 0, verified.stdout + verified.stderr)
+
+    def test_a_directory_whose_name_the_code_page_lacks_holds_a_project_all_the_same(self):
+        name = "Leitstand Ωж"
+        for directory in (self.directory_here, self.directory_there):
+            directory(CLIENT).rename(directory(name))
+
+        self.assert_same(name, rf"C:\Projekte\{name}\{CLIENT}.txs")
+
     def test_a_missing_file_ends_with_exit_code_1_and_the_same_log(self):
-        for studio in (self.twin, self.windows.prefix):
-            (studio / "drive_c/Projekte" / PLANT / "Silodaten.rct").unlink()
+        for directory in (self.directory_here(PLANT), self.directory_there(PLANT)):
+            (directory / "Silodaten.rct").unlink()
 
         here = self.build_here(PLANT)
         there = self.build_there(PLANT)
 
         self.assertEqual((here.returncode, there.returncode), (1, 1))
-        logs = [(studio / "drive_c/Projekte" / PLANT / "TXSetupWizard.log").read_bytes()
-                for studio in (self.twin, self.windows.prefix)]
-        # The first line of an entry is the date, as each system writes it.
-        texts = [log.decode("cp1252").split("\r\n")[1:] for log in logs]
-        self.assertEqual(texts[0], texts[1])
+        log = self.log_of(self.directory_here(PLANT))
+        self.assertIn("Silodaten.rct", "".join(log))
+        self.assertEqual(self.log_of(self.directory_there(PLANT)), log)
 
     def test_the_companion_finds_the_installation_sound_and_its_words_are_utf_8(self):
-        self.assertEqual(self.build_there(PLANT).returncode, 0)
+        self.assert_succeeded(self.build_there(PLANT), PLANT)
 
         verified = self.windows.run(WINDOWS_TOOL, "verify", rf"C:\Projekte\{PLANT}\Setup")
         listed = self.windows.run(WINDOWS_TOOL, "projects")
@@ -95,4 +81,4 @@ class SameInstallation(unittest.TestCase):
         self.assertIn(PLANT, listed.stdout.decode("utf-8"))
 
 
-unittest.main(argv=["same_installation_test.py", "SameInstallation." + sys.argv[8]])
+main("SameInstallation")

@@ -1,10 +1,25 @@
 """The sample studio on a Windows of its own (a Wine prefix), beside a copy that the programs of this
-machine work on."""
+machine work on.
+
+The scripts of the tests have these arguments in common, then the name of the scenario:
+    WINE PREFIX WIZARD.exe TOOL.exe WIZARD GENERATOR PREPARE DZIP32.dll START.exe
+"""
 
 import os
 import pathlib
 import shutil
 import subprocess
+import sys
+import tempfile
+import unittest
+
+(WINE, PREFIX, WINDOWS_WIZARD, WINDOWS_TOOL, WIZARD, GENERATOR, PREPARE, STANDIN,
+ START) = sys.argv[1:10]
+SCENARIO = sys.argv[10]
+
+PLANT = "Mischanlage Süd"
+SERVER = "Kläranlage Server"
+CLIENT = "Leitstand Client"
 
 # The 32-bit view, in which the studio has always kept its keys; a 64-bit import leaves them elsewhere.
 VIEW_32 = "/reg:32"
@@ -27,8 +42,9 @@ class WindowsStudio:
         environment.pop("WAYLAND_DISPLAY", None)
         return environment
 
-    def run(self, program, *arguments):
-        return subprocess.run([self.wine, str(program), *arguments], env=self.environment(),
+    def run(self, program, *arguments, **variables):
+        return subprocess.run([self.wine, str(program), *arguments],
+                              env=dict(self.environment(), **variables),
                               stdin=subprocess.DEVNULL, capture_output=True, check=False)
 
     def lay(self, language="german"):
@@ -67,3 +83,50 @@ class WindowsStudio:
             # A link of Wine's into its own libraries must not be written through.
             target.unlink(missing_ok=True)
             shutil.copy2(source, target)
+
+
+def files_below(folder):
+    return {str(path.relative_to(folder)): path.read_bytes()
+            for path in sorted(folder.rglob("*")) if path.is_file()}
+
+
+def windows_path(path):
+    """A file of this machine as programs of Windows name it."""
+    return "Z:" + str(path).replace("/", "\\")
+
+
+class StudioTest(unittest.TestCase):
+    def setUp(self):
+        self.scratch = pathlib.Path(tempfile.mkdtemp(prefix="windows-studio-"))
+        self.addCleanup(shutil.rmtree, self.scratch)
+        self.windows = WindowsStudio(WINE, PREFIX, PREPARE, GENERATOR, self.scratch)
+        self.twin = self.windows.lay()
+
+    def directory_there(self, project):
+        return self.windows.drive_c / "Projekte" / project
+
+    def directory_here(self, project):
+        return self.twin / "drive_c" / "Projekte" / project
+
+    def build_here(self, argument):
+        environment = dict(os.environ, TAVIX_ROOT=str(self.twin))
+        return subprocess.run([WIZARD, "/c=" + argument], env=environment,
+                              stdin=subprocess.DEVNULL, capture_output=True, check=False)
+
+    def build_there(self, argument, wizard=WINDOWS_WIZARD, **variables):
+        return self.windows.run(wizard, "/c=" + argument, **variables)
+
+    def log_of(self, directory):
+        """The entries of the log without their dates, which each system writes in its way."""
+        log = directory / "TXSetupWizard.log"
+        if not log.exists():
+            return []
+        return log.read_bytes().decode("cp1252").split("\r\n")[1:]
+
+    def assert_succeeded(self, there, project):
+        self.assertEqual(there.returncode, 0, there.stderr.decode(errors="replace") +
+                         "\n".join(self.log_of(self.directory_there(project))))
+
+
+def main(test_class):
+    unittest.main(argv=[sys.argv[0], f"{test_class}.test_{SCENARIO}"])
