@@ -118,8 +118,8 @@ std::wstring Absolute(std::string_view path) {
 // As the functions of the system take it without changing a character: however long, and with names
 // that mean something else to them otherwise ("aux", "a.").
 std::wstring Verbatim(const std::wstring& absolute) {
-  if (absolute.starts_with(L"\\\\")) return std::wstring(kLongNetworkPrefix) + absolute.substr(2);
-  return std::wstring(kLongPrefix) + absolute;
+  if (absolute.starts_with(L"\\\\")) return std::wstring(kLongNetworkPrefix).append(absolute, 2);
+  return std::wstring(kLongPrefix).append(absolute);
 }
 
 // As the functions of the system take it, however long.
