@@ -34,6 +34,7 @@ constexpr char kEnglishStartmenuFolder[] = "Visualization";
 
 constexpr long kMessageWriting = 911;
 constexpr long kMessageNotRead = 1931;
+constexpr long kMessageChangedByAnother = 1933;
 
 constexpr char kTempDirName[] = "<TempDir>";
 constexpr char kUserDirPrefix[] = "<UserDir";
@@ -282,20 +283,108 @@ void ReplaceList(ProfileDocument& settings, const char* section,
 
 const char* FlagText(bool flag) { return flag ? "1" : "0"; }
 
-// A document that does not come from the file must not take its place: the user's lists would be
-// replaced by the defaults that were shown instead.
-bool IsUnreadFile(Application& application) {
-  switch (application.document.settings_source) {
+// FNV-1a over texts and their lengths.
+class Digest {
+ public:
+  void Add(std::string_view text) {
+    for (std::size_t length = text.size(); length > 0; length >>= 8) AddByte(length & 0xFF);
+    AddByte(0);
+    for (const char c : text) AddByte(static_cast<unsigned char>(c));
+  }
+  void Add(const ProfileEntry& entry) {
+    Add(entry.name);
+    Add(entry.value);
+  }
+  [[nodiscard]] std::uint64_t Value() const { return value_; }
+
+ private:
+  void AddByte(std::uint64_t byte) { value_ = (value_ ^ byte) * 0x100000001B3; }
+
+  std::uint64_t value_ = 0xCBF29CE484222325;
+};
+
+// Of everything that a save replaces. The rest, which others maintain, may change meanwhile.
+std::uint64_t DigestOf(const ProfileDocument& settings) {
+  Digest digest;
+  const auto add = [&](const char* section, const char* key) {
+    const std::optional<std::string> value = settings.Value(section, key);
+    digest.Add(value ? "=" + *value : "");
+  };
+  StepSettings any;
+  for (const TextSetting& text : SetupAndProgramSettings(any)) add(text.section, text.key);
+  add(kProgram, "name");
+  for (const char* const key : {"VB5dbUseJet", "VB5dbUseODBC"}) add(kFunction, key);
+  for (const char* const key : {"size", "path", "MDAC"}) add(kDestination, key);
+  for (const char* const section : {kPath, kIni, kFile}) {
+    digest.Add(section);
+    for (const ProfileEntry& entry : settings.Section(section)) digest.Add(entry);
+  }
+  return digest.Value();
+}
+
+// Why a save would replace what the user has never seen.
+enum class Obstacle {
+  kNone,
+  kNotRead,           // the defaults that were shown instead would take its place
+  kChangedByAnother,  // the changes would be undone
+};
+
+Obstacle ObstacleToSaving(const SetupDocument& document, const ProfileDocument& settings) {
+  switch (document.settings_source) {
     case SettingsSource::kFile:
-      return false;
+      if (settings.Bytes().empty() || DigestOf(settings) == document.settings_digest) break;
+      return Obstacle::kChangedByAnother;
     case SettingsSource::kNoFile:
-      return !application.platform.profiles.Open(application.project.SettingsFile())
-                  .Bytes()
-                  .empty();
+      if (settings.Bytes().empty()) break;
+      return Obstacle::kNotRead;
     case SettingsSource::kUnread:
+      return Obstacle::kNotRead;
+    case SettingsSource::kCleared:
       break;
   }
-  return true;
+  return Obstacle::kNone;
+}
+
+void WriteInto(ProfileDocument& settings, SetupDocument& document) {
+  StepSettings& steps = document.steps;
+  const std::vector<ProfileEntry> path = PathEntries(steps);
+  const std::vector<ProfileEntry> ini_files = IniEntries(document.ini_files);
+  const std::vector<ProfileEntry> files = FileEntries(document.files);
+
+  for (const TextSetting& text : SetupAndProgramSettings(steps)) {
+    settings.Set(text.section, text.key, text.value);
+  }
+  settings.Set(kProgram, "name", document.program_name);
+  settings.ReplaceSection(kPath, path);
+  settings.Set(kFunction, "VB5dbUseJet", FlagText(steps.use_jet));
+  settings.Set(kFunction, "VB5dbUseODBC", FlagText(steps.use_odbc));
+  settings.Set(kDestination, "size", FlagText(steps.disk_size_index == 1));
+  settings.Set(kDestination, "path", steps.setup_directory);
+  ReplaceList(settings, kIni, ini_files);
+  ReplaceList(settings, kFile, files);
+  settings.Set(kDestination, "MDAC", FlagText(steps.minimal_mdac));
+}
+
+// Nothing is written when there is an obstacle.
+Obstacle TryToWrite(Application& application) {
+  SetupDocument& document = application.document;
+  // Not even looked at: what could not be read may still be unreadable.
+  if (document.settings_source == SettingsSource::kUnread) return Obstacle::kNotRead;
+  Obstacle obstacle = Obstacle::kNone;
+  std::uint64_t digest = 0;
+  // Everything in one change: the file on disk is never a mixture of two states.
+  application.platform.profiles.Change(application.project.SettingsFile(),
+                                       [&](ProfileDocument& settings) {
+                                         obstacle = ObstacleToSaving(document, settings);
+                                         if (obstacle != Obstacle::kNone) return;
+                                         WriteInto(settings, document);
+                                         digest = DigestOf(settings);
+                                       });
+  if (obstacle != Obstacle::kNone) return obstacle;
+  document.settings_source = SettingsSource::kFile;
+  document.settings_digest = digest;
+  document.changed = false;
+  return Obstacle::kNone;
 }
 
 bool IsUserDirectoryName(std::string_view name) {
@@ -343,40 +432,25 @@ void ReadSettings(Application& application) {
   steps.minimal_mdac = ReadFlag(settings, kDestination, "MDAC");
   steps.service_pack = ReadFlag(settings, kDestination, "ServicePack");
   const bool has_file = !settings.Bytes().empty();
-  Take(std::move(read), application.document);
-  application.document.settings_source = has_file ? SettingsSource::kFile : SettingsSource::kNoFile;
+  const std::uint64_t digest = DigestOf(settings);
+  SetupDocument& document = application.document;
+  Take(std::move(read), document);
+  document.settings_source = has_file ? SettingsSource::kFile : SettingsSource::kNoFile;
+  document.settings_digest = digest;
 }
 
 void WriteSettings(Application& application) {
-  if (IsUnreadFile(application)) {
-    throw RuntimeError(
-        ErrorNumber::kAlreadyExists,
-        application.project.SettingsFile() + ": was not read when the project was opened");
+  const std::string file = application.project.SettingsFile();
+  switch (TryToWrite(application)) {
+    case Obstacle::kNone:
+      return;
+    case Obstacle::kNotRead:
+      throw RuntimeError(ErrorNumber::kAlreadyExists,
+                         file + ": was not read when the project was opened");
+    case Obstacle::kChangedByAnother:
+      throw RuntimeError(ErrorNumber::kAlreadyExists,
+                         file + ": was changed by another program since it was read");
   }
-  SetupDocument& document = application.document;
-  StepSettings& steps = document.steps;
-  const std::vector<ProfileEntry> path = PathEntries(steps);
-  const std::vector<ProfileEntry> ini_files = IniEntries(document.ini_files);
-  const std::vector<ProfileEntry> files = FileEntries(document.files);
-
-  // Everything in one change: the file on disk is never a mixture of two states.
-  application.platform.profiles.Change(
-      application.project.SettingsFile(), [&](ProfileDocument& settings) {
-        for (const TextSetting& text : SetupAndProgramSettings(steps)) {
-          settings.Set(text.section, text.key, text.value);
-        }
-        settings.Set(kProgram, "name", document.program_name);
-        settings.ReplaceSection(kPath, path);
-        settings.Set(kFunction, "VB5dbUseJet", FlagText(steps.use_jet));
-        settings.Set(kFunction, "VB5dbUseODBC", FlagText(steps.use_odbc));
-        settings.Set(kDestination, "size", FlagText(steps.disk_size_index == 1));
-        settings.Set(kDestination, "path", steps.setup_directory);
-        ReplaceList(settings, kIni, ini_files);
-        ReplaceList(settings, kFile, files);
-        settings.Set(kDestination, "MDAC", FlagText(steps.minimal_mdac));
-      });
-  document.settings_source = SettingsSource::kFile;
-  document.changed = false;
 }
 
 bool SaveSettings(Application& application) {
@@ -384,12 +458,17 @@ bool SaveSettings(Application& application) {
   return AtWorkBorder(application, kMessageWriting, file, [&] {
     const std::unique_ptr<HeldLock> lock = LockProject(application);
     if (lock == nullptr) return false;
-    if (IsUnreadFile(application)) {
-      ShowWarning(application, kMessageNotRead, {file});
-      return false;
+    switch (TryToWrite(application)) {
+      case Obstacle::kNone:
+        return true;
+      case Obstacle::kNotRead:
+        ShowWarning(application, kMessageNotRead, {file});
+        break;
+      case Obstacle::kChangedByAnother:
+        ShowWarning(application, kMessageChangedByAnother, {file});
+        break;
     }
-    WriteSettings(application);
-    return true;
+    return false;
   });
 }
 
@@ -418,7 +497,7 @@ void ClearSettings(Application& application) {
   steps.total_bytes_label.clear();
   steps.disks_needed_label.clear();
   steps.disks_needed_is_estimate = true;
-  document.settings_source = SettingsSource::kFile;
+  document.settings_source = SettingsSource::kCleared;
   document.changed = false;
 }
 

@@ -18,16 +18,18 @@ void ReadSettings(Application& application);
 // RuntimeError kInvalidCall names the row whose source or destination holds a comma, which
 // separates the fields, or whose source or registration begins or ends in blanks; also for line
 // breaks, an empty INI file name, and characters that the code page lacks. Throws RuntimeError when
-// the file cannot be read or replaced, and kAlreadyExists when what is in it was never read.
+// the file cannot be read or replaced, and kAlreadyExists when what is in it was never read, or
+// when another program has changed something since that would be replaced. A file that has gone is
+// written anew.
 void WriteSettings(Application& application);
 
 // The work routine around WriteSettings: false after a message. That is 1930 when another process
-// works on the project, 1931 when the settings were not read at its opening, else 911. Never
-// throws.
+// works on the project, 1931 when the settings were not read at its opening, 1933 when another
+// program has changed them since they were read or saved, else 911. Never throws.
 [[nodiscard]] bool SaveSettings(Application& application);
 
-// Sets document and steps to the defaults; writes nothing, but the next save may replace a file
-// that was not read. Path variables stay.
+// Sets document and steps to the defaults; writes nothing, but the next save may replace whatever
+// the file holds by then. Path variables stay.
 void ClearSettings(Application& application);
 
 // Brings the path variables <UserDirN> in line with the user-directory list of step 2, and

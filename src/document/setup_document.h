@@ -2,6 +2,7 @@
 // builds. One per process, kept in Application.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -14,9 +15,10 @@ namespace txs {
 
 // What the settings file on the disk is to the document. Decides whether a save may replace it.
 enum class SettingsSource {
-  kFile,    // it was read, or the user has cleared what was in it
-  kNoFile,  // there was none, so that what is there by now was never read
-  kUnread,  // it could not be read: the document holds the defaults instead
+  kFile,     // it was read or saved, and held what `settings_digest` tells
+  kNoFile,   // there was none, so that what is there by now was never read
+  kUnread,   // it could not be read: the document holds the defaults instead
+  kCleared,  // the user wants nothing of what it holds
 };
 
 struct SetupDocument {
@@ -34,7 +36,9 @@ struct SetupDocument {
   std::string program_name;
   PathVariableList path_variables;
   std::string configurator_value;  // what ProjectConfigurator answered for the project
-  SettingsSource settings_source = SettingsSource::kFile;
+  SettingsSource settings_source = SettingsSource::kNoFile;
+  // Of everything that a save would replace, as it was read or saved last. With kFile only.
+  std::uint64_t settings_digest = 0;
   bool changed = false;  // since the settings were read, saved or cleared
 
   // The rows that Create works on: the visible ones, then the hidden ones. Valid until a list

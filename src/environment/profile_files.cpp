@@ -23,13 +23,13 @@ bool MeansMissing(ErrorNumber number) {
 
 }  // namespace
 
-const ProfileDocument& ProfileFiles::Open(std::string_view path) {
+ProfileFiles::Kept& ProfileFiles::Read(std::string_view path, Trust trust) {
   std::unique_ptr<Kept>& kept = kept_[KeyOf(path)];
   if (kept == nullptr) kept = std::make_unique<Kept>();
 
   // The stamp is taken before the bytes: a change between the two is then seen at the next call.
   const std::optional<FileStamp> stamp = files_.Stamp(path);
-  if (stamp && kept->exists && kept->stamp == *stamp) return kept->document;
+  if (trust == Trust::kStamp && stamp && kept->exists && kept->stamp == *stamp) return *kept;
   if (stamp && stamp->length_bytes > kMostBytes) {
     throw RuntimeError(ErrorNumber::kOutOfMemory,
                        std::string(path) + ": larger than 64 MiB, too large for a profile file");
@@ -37,7 +37,12 @@ const ProfileDocument& ProfileFiles::Open(std::string_view path) {
   Kept read;
   try {
     // A path without a stamp is read too: what exists and cannot be read must throw.
-    read.document = ProfileDocument(files_.ReadWhole(path));
+    std::string bytes = files_.ReadWhole(path);
+    if (kept->exists && bytes == kept->document.Bytes()) {
+      read.document = std::move(kept->document);
+    } else {
+      read.document = ProfileDocument(bytes);
+    }
     read.exists = stamp.has_value();
     read.stamp = stamp.value_or(FileStamp());
   } catch (const RuntimeError& error) {
@@ -45,19 +50,22 @@ const ProfileDocument& ProfileFiles::Open(std::string_view path) {
     if (stamp || !MeansMissing(error.Number())) throw;
   }
   *kept = std::move(read);
-  return kept->document;
+  return *kept;
+}
+
+const ProfileDocument& ProfileFiles::Open(std::string_view path) {
+  return Read(path, Trust::kStamp).document;
 }
 
 void ProfileFiles::Change(std::string_view path,
                           const std::function<void(ProfileDocument&)>& edit) {
-  const ProfileDocument& before = Open(path);
-  ProfileDocument after = before;
+  Kept& kept = Read(path, Trust::kNothing);
+  ProfileDocument after = kept.document;
   edit(after);
   const std::string bytes = after.Bytes();
-  if (bytes == before.Bytes()) return;
+  if (bytes == kept.document.Bytes()) return;
   files_.ReplaceWhole(path, bytes);
 
-  Kept& kept = *kept_[KeyOf(path)];
   const std::optional<FileStamp> stamp = files_.Stamp(path);
   kept.document = std::move(after);
   kept.exists = stamp.has_value();

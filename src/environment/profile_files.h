@@ -21,8 +21,10 @@ class ProfileFiles {
   // next call for the same path.
   [[nodiscard]] const ProfileDocument& Open(std::string_view path);
 
-  // Lets `edit` change the document and replaces the file atomically when its bytes changed. When
-  // `edit` or the writing throws, file and kept document are as before.
+  // Lets `edit` change the document and replaces the file atomically when its bytes changed. What
+  // `edit` gets is what the file holds now: the bytes are read again, since another process may
+  // have changed them without changing length and time. When `edit` or the writing throws, the file
+  // is as before.
   void Change(std::string_view path, const std::function<void(ProfileDocument&)>& edit);
 
  private:
@@ -31,6 +33,9 @@ class ProfileFiles {
     bool exists = false;
     ProfileDocument document;
   };
+  enum class Trust { kStamp, kNothing };
+
+  Kept& Read(std::string_view path, Trust trust);
 
   FileSystem& files_;
   std::unordered_map<std::string, std::unique_ptr<Kept>> kept_;  // by folded path

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "document/document_world.h"
 #include "document/settings_file.h"
@@ -192,6 +194,104 @@ TEST(SettingsFileFailures, FileThatAppearedSinceTheOpeningIsNotReplaced) {
 
   EXPECT_EQ(world.Get(kSettingsPath), kOld);
   EXPECT_EQ(world.MessageIds(), (std::vector<long>{1931}));
+}
+
+// A Scan that ran for long, or a wizard left open, undid without a word what another program had
+// written into the file meanwhile.
+TEST(SettingsFileFailures, WhatAnotherProgramHasWrittenMeanwhileIsNotReplaced) {
+  for (const auto& [from, to] : std::vector<std::pair<std::string, std::string>>{
+           {"text1=old", "text1=new text"},
+           {"text1=old", "text1=odd"},  // of the same length
+           {"[file]\r\n01=a.dll,<WinSysDir>,1\r\n", ""},
+           {"[file]\r\n", "[file]\r\n02=b.dll,<WinSysDir>,1\r\n"},
+           {"[file]\r\n", "[ini]\r\n01=b.ini\r\n[file]\r\n"},
+           {"[file]\r\n", "[path]\r\n1=D:\\b\r\n[file]\r\n"},
+           {"[file]\r\n", "[destination]\r\nMDAC=1\r\n[file]\r\n"},
+           {"[file]\r\n", "[function]\r\nVB5dbUseJet=1\r\n[file]\r\n"},
+           {"[file]\r\n", "[program]\r\nname=b.exe\r\n[file]\r\n"},
+       }) {
+    ChangedProject project;
+    std::string foreign = kOld;
+    foreign.replace(foreign.find(from), from.size(), to);
+    project.world.Put(kSettingsPath, foreign);
+
+    EXPECT_FALSE(SaveSettings(project.world.application));
+
+    EXPECT_EQ(project.world.Get(kSettingsPath), foreign);
+    EXPECT_TRUE(project.world.application.document.changed);
+    ASSERT_EQ(project.world.MessageIds(), (std::vector<long>{1933}));
+    EXPECT_NE(project.world.Prompts()[0].find(
+                  "The file 'C:\\Demo\\Demo.swz' was changed by another program"),
+              std::string::npos);
+    EXPECT_EQ(project.world.NumberOfErrorFrom([&] { WriteSettings(project.world.application); }),
+              ErrorNumber::kAlreadyExists);
+    EXPECT_EQ(project.world.Get(kSettingsPath), foreign);
+  }
+}
+
+// Some file systems count time in steps of two seconds.
+TEST(SettingsFileFailures, ChangeThatLeavesLengthAndTimeAsTheyWereIsSeen) {
+  ChangedProject project;
+  const FileStamp before = *project.world.Files().Stamp(kSettingsPath);
+  std::string foreign = kOld;
+  foreign.replace(foreign.find("old"), 3, "odd");
+  project.world.Files().AddFile(kSettingsPath, foreign, before.last_write);
+  ASSERT_EQ(project.world.Files().Stamp(kSettingsPath), before);
+
+  EXPECT_FALSE(SaveSettings(project.world.application));
+  EXPECT_EQ(project.world.Get(kSettingsPath), foreign);
+
+  ReadSettings(project.world.application);
+  EXPECT_EQ(project.world.application.document.steps.info.german[0], "odd");
+}
+
+TEST(SettingsFileFailures, ChangeOfWhatASaveLeavesAloneIsNoObstacle) {
+  ChangedProject project;
+  std::string foreign = std::string("; another comment\r\n") + kOld;
+  foreign += "02=i.dll,<WinSysDir>,1\r\n[Destination]\r\nServicePack=1\r\n";
+  project.world.Put(kSettingsPath, foreign);
+
+  EXPECT_TRUE(SaveSettings(project.world.application));
+
+  const std::string saved = project.world.Get(kSettingsPath);
+  EXPECT_NE(saved.find("; another comment\r\n"), std::string::npos);
+  EXPECT_NE(saved.find("02=i.dll,<WinSysDir>,1"), std::string::npos);
+  EXPECT_NE(saved.find("ServicePack=1"), std::string::npos);
+  EXPECT_NE(saved.find("text1=new"), std::string::npos);
+  EXPECT_TRUE(project.world.MessageIds().empty());
+}
+
+TEST(SettingsFileFailures, AnotherProgramsSettingsMayBeReplacedWhenTheUserClearsThem) {
+  ChangedProject project;
+  project.world.Put(kSettingsPath, "[file]\r\n01=b.dll,<WinSysDir>,1\r\n");
+
+  ClearSettings(project.world.application);
+
+  EXPECT_TRUE(SaveSettings(project.world.application));
+  EXPECT_EQ(project.world.Get(kSettingsPath).find("b.dll"), std::string::npos);
+}
+
+TEST(SettingsFileFailures, AfterASaveItIsTheSavedFileThatAnotherProgramChanges) {
+  ChangedProject project;
+  ASSERT_TRUE(SaveSettings(project.world.application));
+  project.world.application.document.steps.info.german[0] = "newer";
+  ASSERT_TRUE(SaveSettings(project.world.application));
+  project.world.Put(kSettingsPath, kOld);
+
+  EXPECT_FALSE(SaveSettings(project.world.application));
+
+  EXPECT_EQ(project.world.Get(kSettingsPath), kOld);
+  EXPECT_EQ(project.world.MessageIds(), (std::vector<long>{1933}));
+}
+
+TEST(SettingsFileFailures, FileThatVanishedIsWrittenAnew) {
+  ChangedProject project;
+  project.world.Files().Vanish(kSettingsPath);
+
+  EXPECT_TRUE(SaveSettings(project.world.application));
+
+  EXPECT_NE(project.world.Get(kSettingsPath).find("02=b.dll,<WinSysDir>,2"), std::string::npos);
+  EXPECT_TRUE(project.world.MessageIds().empty());
 }
 
 TEST(SettingsFileFailures, ProjectWithoutSettingsFileIsSavedAgainAndAgain) {

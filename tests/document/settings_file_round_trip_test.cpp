@@ -124,7 +124,8 @@ TEST_P(SettingsRoundTrip, GivesBackWhatWasWritten) {
   DocumentWorld world;
   // Every document is written over the one before, as in the life of a project.
   for (int save = 0; save < 4; ++save) {
-    const SetupDocument written = random.Make();
+    SetupDocument written = random.Make();
+    written.settings_source = SettingsSource::kCleared;
     world.application.document = written;
     world.application.document.path_variables = world.path_variables;
     WriteSettings(world.application);
