@@ -62,28 +62,34 @@ void ReplaceName(std::string& text, const PathVariable& variable, std::size_t lo
 
 }  // namespace
 
+std::string AsVariableValue(std::string_view directory) {
+  const std::size_t last = directory.find_last_not_of('\\');
+  // Nothing else than backslashes names no place; an empty value would match every directory.
+  return std::string(last == std::string_view::npos ? directory : directory.substr(0, last + 1));
+}
+
 PathVariableList BuildPathVariables(const InstallationSettings& installation,
                                     const SystemTools& tools, std::string_view project_directory) {
   return {
-      {"<ProjectDir>", std::string(project_directory)},
-      {"<TavixCommonDir>", installation.common_directory},
-      {"<TavixStudioDir>", installation.studio_directory},
-      {"<TavixMainDir>", installation.main_directory},
-      {kWinSysDir, tools.Folder(SpecialFolder::kSystem)},
-      {"<FontDir>", tools.Folder(SpecialFolder::kFonts)},
-      {"<WinDir>", tools.Folder(SpecialFolder::kWindows)},
-      {"<CommonFilesDir>", tools.Folder(SpecialFolder::kCommonFiles)},
-      {"<ProgramFilesDir>", tools.Folder(SpecialFolder::kProgramFiles)},
+      {"<ProjectDir>", AsVariableValue(project_directory)},
+      {"<TavixCommonDir>", AsVariableValue(installation.common_directory)},
+      {"<TavixStudioDir>", AsVariableValue(installation.studio_directory)},
+      {"<TavixMainDir>", AsVariableValue(installation.main_directory)},
+      {kWinSysDir, AsVariableValue(tools.Folder(SpecialFolder::kSystem))},
+      {"<FontDir>", AsVariableValue(tools.Folder(SpecialFolder::kFonts))},
+      {"<WinDir>", AsVariableValue(tools.Folder(SpecialFolder::kWindows))},
+      {"<CommonFilesDir>", AsVariableValue(tools.Folder(SpecialFolder::kCommonFiles))},
+      {"<ProgramFilesDir>", AsVariableValue(tools.Folder(SpecialFolder::kProgramFiles))},
   };
 }
 
 void SetPathVariable(PathVariableList& variables, std::string_view name, std::string_view value) {
   for (PathVariable& variable : variables) {
     if (!EqualNoCase(variable.name, name)) continue;
-    variable.value = value;
+    variable.value = AsVariableValue(value);
     return;
   }
-  variables.push_back({std::string(name), std::string(value)});
+  variables.push_back({std::string(name), AsVariableValue(value)});
 }
 
 std::string ToVariableForm(const PathVariableList& variables, std::string_view path,

@@ -18,6 +18,10 @@ struct PathVariable {
   bool operator==(const PathVariable&) const = default;
 };
 
+// How the list holds a directory: without the trailing backslashes with which the studio registers
+// projects. A path is compared as its directory without one, and names are followed by "\".
+[[nodiscard]] std::string AsVariableValue(std::string_view directory);
+
 // In list order; the order matters, since conversion to variable form takes the first match.
 using PathVariableList = std::vector<PathVariable>;
 
@@ -26,7 +30,7 @@ enum class VariableForm {
   kDirectoryOnly = 1,  // mode 1: the directory, and <WinSysDir> when no variable matches
 };
 
-// The nine variables of an opened project. `project_directory` is taken as stored.
+// The nine variables of an opened project.
 [[nodiscard]] PathVariableList BuildPathVariables(const InstallationSettings& installation,
                                                   const SystemTools& tools,
                                                   std::string_view project_directory);

@@ -516,8 +516,8 @@ void ExtendPathVariables(Application& application) {
                      return left.number < right.number;
                    });
   for (UserDirectory& directory : directories) {
-    variables.push_back(
-        {kUserDirPrefix + std::to_string(directory.number) + ">", std::move(directory.directory)});
+    variables.push_back({kUserDirPrefix + std::to_string(directory.number) + ">",
+                         AsVariableValue(directory.directory)});
   }
 }
 

@@ -11,13 +11,6 @@
 namespace txs {
 namespace {
 
-PathVariableList WithoutTrailingBackslashes(PathVariableList variables) {
-  for (PathVariable& variable : variables) {
-    while (!variable.value.empty() && variable.value.back() == '\\') variable.value.pop_back();
-  }
-  return variables;
-}
-
 std::string FoldedName(std::string_view path) { return FoldCase(FileName(path)); }
 
 }  // namespace
@@ -30,7 +23,7 @@ ScanSession::ScanSession(Application& application, ScanView& view, SearchFileDia
       visual_basic_(FindVisualBasic(application.platform.tools, ReadDesigner())
                         .value_or(VisualBasicInstallation())),
       search_(application.platform.files, SearchPlaces(), [this] { return !CancelledMeanwhile(); }),
-      variables_(WithoutTrailingBackslashes(application.document.path_variables)),
+      variables_(application.document.path_variables),
       kept_rows_(application.document.files.RowCount()) {
   const SetupDocument& document = application.document;
   for (std::size_t row = 1; row <= kept_rows_; ++row) {

@@ -270,9 +270,8 @@ std::string SetupWizardPresenter::BrowsePicture(const TextBox& box) {
                                                               .several = false});
     if (files.empty()) return false;
     // Without the user directories: those are of the target computer, and may be renamed there.
-    const PathVariableList variables =
-        BuildPathVariables(application_.installation, application_.platform.tools,
-                           NormalizeDirectory(application_.project.directory));
+    const PathVariableList variables = BuildPathVariables(
+        application_.installation, application_.platform.tools, application_.project.directory);
     chosen = ToVariableForm(variables, files.front(), VariableForm::kWholePath);
     return true;
   });

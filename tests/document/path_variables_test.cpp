@@ -176,12 +176,40 @@ TEST(PathVariables, OfAProjectAreNineInTheirOrder) {
             Variables());
 }
 
-TEST(PathVariables, TakeTheProjectDirectoryAsStored) {
+// The studio registers projects with a trailing backslash: nothing in their directory itself was
+// written with its variable.
+TEST(PathVariables, HoldDirectoriesWithoutTheirTrailingBackslashes) {
+  MemoryPlatform memory;
+  InstallationSettings installation;
+  installation.main_directory = "C:\\TavixStudio\\";
+
+  const PathVariableList variables = BuildPathVariables(installation, memory.tools, "C:\\Demo\\\\");
+
+  EXPECT_EQ(variables[0], (PathVariable{"<ProjectDir>", "C:\\Demo"}));
+  EXPECT_EQ(variables[3], (PathVariable{"<TavixMainDir>", "C:\\TavixStudio"}));
+  for (const char* path : {"C:\\Demo\\x.dll", "C:\\Demo\\Sub\\x.dll", "C:\\Demo2\\x.dll"}) {
+    const std::string form = ToVariableForm(variables, path, VariableForm::kWholePath);
+    EXPECT_TRUE(form.starts_with("<ProjectDir>")) << form;
+    EXPECT_EQ(FromVariableForm(variables, form), path);
+  }
+}
+
+TEST(PathVariables, KnowAProjectInTheRootOfADrive) {
   MemoryPlatform memory;
 
-  const PathVariableList variables = BuildPathVariables({}, memory.tools, "C:\\Demo\\");
+  const PathVariableList variables = BuildPathVariables({}, memory.tools, "D:\\");
 
-  EXPECT_EQ(variables.front(), (PathVariable{"<ProjectDir>", "C:\\Demo\\"}));
+  EXPECT_EQ(ToVariableForm(variables, "D:\\x.dll", VariableForm::kWholePath),
+            "<ProjectDir>\\x.dll");
+  EXPECT_EQ(FromVariableForm(variables, "<ProjectDir>\\x.dll"), "D:\\x.dll");
+}
+
+TEST(PathVariables, ValueOfBackslashesOnlyDoesNotMatchEveryDirectory) {
+  PathVariableList variables;
+
+  SetPathVariable(variables, "<UserDir1>", "\\");
+
+  EXPECT_EQ(ToVariableForm(variables, "C:\\x.dll", VariableForm::kWholePath), "C:\\x.dll");
 }
 
 TEST(PathVariables, AreSetUnderTheirNameInAnyCaseElseAppended) {

@@ -57,6 +57,19 @@ TEST_F(SettingsFile, GivesTheDefaultsWhenItIsAbsent) {
   EXPECT_FALSE(document_.changed);
 }
 
+// As the studio registers projects: the default was not in variable form.
+TEST_F(SettingsFile, DefaultsDoNotDependOnABackslashBehindTheProjectDirectory) {
+  application_.project.directory = "C:\\Demo\\";
+  document_.path_variables =
+      BuildPathVariables(application_.installation, world_.Memory().tools, "C:\\Demo\\");
+
+  ReadSettings(application_);
+  EXPECT_EQ(steps_.setup_directory, "<ProjectDir>\\Setup");
+
+  ClearSettings(application_);
+  EXPECT_EQ(steps_.setup_directory, "<ProjectDir>\\Setup");
+}
+
 TEST_F(SettingsFile, ReplacesWhatTheDocumentHeldBefore) {
   document_.files.Append("old", "old", "1");
   document_.hidden_files.Append("old", "old", "1");
