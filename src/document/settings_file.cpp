@@ -149,16 +149,29 @@ std::optional<long> UserDirectoryNumber(std::string_view key) {
   return number;
 }
 
-std::vector<UserDirectory> ReadUserDirectories(const ProfileDocument& settings) {
-  std::vector<UserDirectory> directories;
+bool LooksNumeric(std::string_view key) {
+  return key.find_first_of("0123456789") != std::string_view::npos &&
+         key.find_first_not_of("0123456789+-.,") == std::string_view::npos;
+}
+
+struct UserDirectoryEntries {
+  std::vector<UserDirectory> read;
+  std::vector<ProfileEntry> passed_over;  // numbered as well, but not in a way that is understood
+};
+
+UserDirectoryEntries ReadUserDirectories(const ProfileDocument& settings) {
+  UserDirectoryEntries entries;
   std::unordered_set<long> known;
   for (ProfileEntry& entry : settings.Section(kPath)) {
     const std::optional<long> number = UserDirectoryNumber(entry.name);
     // "1" and "01" name the same <UserDir1>: the first has it.
-    if (!number || !known.insert(*number).second) continue;
-    directories.push_back({*number, std::move(entry.value)});
+    if (number && known.insert(*number).second) {
+      entries.read.push_back({*number, std::move(entry.value)});
+    } else if (LooksNumeric(entry.name)) {
+      entries.passed_over.push_back(std::move(entry));
+    }
   }
-  return directories;
+  return entries;
 }
 
 FormDesigner ReadDesigner(Application& application) {
@@ -264,12 +277,23 @@ std::vector<ProfileEntry> IniEntries(const std::vector<std::string>& names) {
   return entries;
 }
 
-std::vector<ProfileEntry> PathEntries(const StepSettings& steps) {
+std::vector<ProfileEntry> PathEntries(const StepSettings& steps,
+                                      std::vector<ProfileEntry> passed_over) {
   std::vector<ProfileEntry> entries = {{"tavix", steps.tavix_directory},
                                        {"project", steps.project_directory}};
   entries.reserve(entries.size() + steps.user_directories.size());
   for (const UserDirectory& directory : steps.user_directories) {
     entries.push_back({std::to_string(directory.number), directory.directory});
+  }
+  std::unordered_set<std::string> rows;
+  for (const ProfileEntry& entry : entries) rows.insert(entry.name);
+  std::unordered_set<std::string> names = rows;
+  for (const ProfileEntry& entry : passed_over) names.insert(entry.name);
+  for (ProfileEntry& entry : passed_over) {
+    // Behind "01", which is written as "1", "1" itself needs another name.
+    const bool is_taken = rows.contains(entry.name);
+    while (is_taken && !names.insert(entry.name).second) entry.name.insert(0, "0");
+    entries.push_back(std::move(entry));
   }
   return entries;
 }
@@ -347,7 +371,12 @@ Obstacle ObstacleToSaving(const SetupDocument& document, const ProfileDocument& 
 
 void WriteInto(ProfileDocument& settings, SetupDocument& document) {
   StepSettings& steps = document.steps;
-  const std::vector<ProfileEntry> path = PathEntries(steps);
+  // The user has never seen them, so they stay, unless everything is to go.
+  std::vector<ProfileEntry> passed_over;
+  if (document.settings_source != SettingsSource::kCleared) {
+    passed_over = ReadUserDirectories(settings).passed_over;
+  }
+  const std::vector<ProfileEntry> path = PathEntries(steps, std::move(passed_over));
   const std::vector<ProfileEntry> ini_files = IniEntries(document.ini_files);
   const std::vector<ProfileEntry> files = FileEntries(document.files);
 
@@ -419,7 +448,7 @@ void ReadSettings(Application& application) {
   ReadTextSetting(settings, kProgram, "name", read.program_name);
   ReadTextSetting(settings, kPath, "tavix", steps.tavix_directory);
   ReadTextSetting(settings, kPath, "project", steps.project_directory);
-  steps.user_directories = ReadUserDirectories(settings);
+  steps.user_directories = ReadUserDirectories(settings).read;
   read.ini_files = ReadUniqueNames(settings, kIni);
   read.hidden_ini_files = ReadUniqueNames(settings, kHiddenIni);
   read.files = ReadFileList(settings, kFile);

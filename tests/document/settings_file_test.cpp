@@ -435,6 +435,43 @@ TEST_F(SettingsFile, LosesTheUserDirectoriesAndRowsThatWereDeleted) {
   EXPECT_THAT(settings, Not(HasSubstr("=c,d,1")));
 }
 
+// They were passed over by reading and then deleted by the next save.
+TEST_F(SettingsFile, KeepsNumberedDirectoriesThatItDoesNotRead) {
+  Read("[path]\r\n1=D:\\a\r\n4294967296=D:\\b\r\n01=D:\\c\r\n-3=D:\\d\r\n5.0=D:\\e\r\n2=D:\\f\r\n");
+  ASSERT_THAT(steps_.user_directories,
+              ElementsAre(UserDirectory{1, "D:\\a"}, UserDirectory{2, "D:\\f"}));
+  steps_.user_directories.pop_back();
+
+  WriteSettings(application_);
+  WriteSettings(application_);
+
+  EXPECT_THAT(world_.Get(kSettingsPath),
+              HasSubstr("1=D:\\a\r\n4294967296=D:\\b\r\n01=D:\\c\r\n-3=D:\\d\r\n5.0=D:\\e\r\n"));
+  EXPECT_THAT(world_.Get(kSettingsPath), Not(HasSubstr("D:\\f")));
+  ReadSettings(application_);
+  EXPECT_THAT(steps_.user_directories, ElementsAre(UserDirectory{1, "D:\\a"}));
+}
+
+TEST_F(SettingsFile, KeepsADirectoryWhoseNumberASpellingBeforeItHas) {
+  Read("[path]\r\n01=D:\\a\r\n1=D:\\b\r\n001=D:\\c\r\n");
+  ASSERT_THAT(steps_.user_directories, ElementsAre(UserDirectory{1, "D:\\a"}));
+
+  WriteSettings(application_);
+  WriteSettings(application_);
+
+  EXPECT_THAT(world_.Get(kSettingsPath), HasSubstr("1=D:\\a\r\n01=D:\\b\r\n001=D:\\c\r\n"));
+}
+
+TEST_F(SettingsFile, LosesDirectoriesThatItDoesNotReadWhenTheUserClearsEverything) {
+  Read("[path]\r\n1=D:\\a\r\n01=D:\\b\r\n");
+
+  ClearSettings(application_);
+  WriteSettings(application_);
+  ReadSettings(application_);
+
+  EXPECT_THAT(steps_.user_directories, IsEmpty());
+}
+
 TEST_F(SettingsFile, AddsNoHeaderForListsThatWereAlwaysEmpty) {
   ReadSettings(application_);
 
