@@ -44,32 +44,17 @@ if(TXS_FUZZ)
   target_link_options(txs_options INTERFACE -fsanitize=address,undefined)
 endif()
 
-# What takes longest of compiling most sources, read once. For Windows only, which is cross-built on top of
-# everything else in each CI run; elsewhere ccache does better without.
-if(WIN32)
-  file(CONFIGURE OUTPUT standard_headers.cpp CONTENT "")
-  add_library(txs_standard_headers OBJECT ${CMAKE_CURRENT_BINARY_DIR}/standard_headers.cpp)
-  target_link_libraries(txs_standard_headers PRIVATE txs_options)
-  target_precompile_headers(
-    txs_standard_headers PRIVATE <algorithm> <array> <chrono> <cstddef> <cstdint> <exception> <functional>
-    <map> <memory> <optional> <span> <string> <string_view> <unordered_map> <unordered_set> <utility>
-    <vector>)
-endif()
-
-# txs_add_library(<folder> [OWN_PRECOMPILED_HEADERS] SOURCES ... DEPENDS ...) makes the static library txs_<folder>. Its
+# txs_add_library(<folder> SOURCES ... DEPENDS ...) makes the static library txs_<folder>. Its
 # headers are included as "<folder>/<subject>.h", and each is compiled alone once (target
 # all_verify_interface_header_sets), so that none leans on what its includer happened to include.
 function(txs_add_library folder)
-  cmake_parse_arguments(ARG "OWN_PRECOMPILED_HEADERS" "" "SOURCES;HEADERS;DEPENDS" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "SOURCES;HEADERS;DEPENDS" ${ARGN})
   set(target txs_${folder})
   add_library(${target} STATIC ${ARG_SOURCES})
   target_sources(${target} PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/src FILES
                                   ${ARG_HEADERS})
   set_target_properties(${target} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
   target_link_libraries(${target} PUBLIC ${ARG_DEPENDS} PRIVATE txs_options)
-  if(WIN32 AND NOT ARG_OWN_PRECOMPILED_HEADERS)
-    target_precompile_headers(${target} REUSE_FROM txs_standard_headers)
-  endif()
 endfunction()
 
 # txs_add_windows_resources(<program> <description>) gives a program its icon, its version and its
@@ -95,7 +80,8 @@ function(txs_add_test name)
   target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} txs_options GTest::gmock GTest::gtest_main)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   if(WIN32)
-    # What is under test is optimised, the tests are not; the headers of GoogleTest are read once.
+    # Cross-built on top of everything else in each CI run: what is under test is optimised, the tests are
+    # not, and the headers of GoogleTest are read once.
     target_compile_options(${name} PRIVATE -O0)
     target_precompile_headers(${name} REUSE_FROM txs_test_headers)
   endif()
