@@ -149,8 +149,22 @@ std::string Below(const std::string& folder, std::string_view name) {
   return path;
 }
 
-constexpr std::string_view kTemporaryPrefix = ".txs-";
-constexpr std::string_view kTemporaryPattern = ".txs-XXXXXX";
+// Long and odd enough that nobody gives it to a file of his own, since such files are deleted.
+constexpr std::string_view kTemporaryPrefix = "~TXSetup-";
+constexpr std::string_view kTemporarySuffix = ".tmp";
+constexpr std::string_view kTemporaryPattern = "~TXSetup-XXXXXX.tmp";
+
+bool IsTemporaryName(std::string_view name) {
+  if (name.size() != kTemporaryPattern.size() || !name.starts_with(kTemporaryPrefix) ||
+      !name.ends_with(kTemporarySuffix)) {
+    return false;
+  }
+  name.remove_prefix(kTemporaryPrefix.size());
+  name.remove_suffix(kTemporarySuffix.size());
+  return std::ranges::all_of(name, [](unsigned char c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+  });
+}
 
 // Whoever writes a temporary file holds its lock. One that nobody holds was left by a process that
 // was killed; without this, each of them would leave one more.
@@ -159,11 +173,12 @@ void RemoveAbandonedTemporaries(const std::string& folder) {
   if (opened == nullptr) return;
   while (const dirent* const entry = readdir(opened.get())) {
     const std::string_view name = entry->d_name;
-    if (name.size() != kTemporaryPattern.size() || !name.starts_with(kTemporaryPrefix)) continue;
+    if (!IsTemporaryName(name)) continue;
     const std::string path = Below(folder, name);
     const Descriptor file(OpenRetrying(path, O_RDONLY | O_NOFOLLOW | O_NONBLOCK));
     struct stat status;
     if (!file.IsOpen() || fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) continue;
+    if (status.st_uid != geteuid()) continue;
     if (flock(file.Get(), LOCK_EX | LOCK_NB) == 0) unlink(path.c_str());
   }
 }
@@ -179,7 +194,8 @@ TemporaryBeside MakeTemporary(const std::string& folder) {
   for (;;) {
     TemporaryBeside made;
     made.path = Below(folder, kTemporaryPattern);
-    made.file = Descriptor(mkostemp(made.path.data(), O_CLOEXEC));
+    made.file = Descriptor(
+        mkostemps(made.path.data(), static_cast<int>(kTemporarySuffix.size()), O_CLOEXEC));
     if (!made.file.IsOpen()) return made;
     static_cast<void>(flock(made.file.Get(), LOCK_EX | LOCK_NB));
     made.lock = Descriptor(fcntl(made.file.Get(), F_DUPFD_CLOEXEC, 0));

@@ -127,6 +127,35 @@ TEST_F(HostFileSystemTest, AFolderThatIsReplacedIsReadAnew) {
   EXPECT_TRUE(files_.FileExists("C:\\DEMO\\X"));
 }
 
+// Every file whose name was ".txs-" and six characters was taken for a temporary one and deleted.
+TEST_F(HostFileSystemTest, ReplacingDeletesNoFileThatAUserMayHaveNamed) {
+  const std::vector<std::string> names = {
+      ".txs-backup",
+      ".txs-old_01",
+      "~TXSetup-abc123",
+      "~TXSetup-abc123.tm",
+      "~TXSetup-abc12.tmp",
+      "~TXSetup-abc1234.tmp",
+      "~TXSetup-abc 12.tmp",
+      "~TXSetup-abc_12.tmp",
+      "~txsetup-abc123.tmp",
+      "x~TXSetup-abc123.tmp",
+      "~TXSetup.lock",
+      "~TXSetup-\xC3\xBC\xC3\xBC\xC3\xBC.tmp",
+      "~TXSetup-abc123.tmp.bak",
+  };
+  for (const std::string& name : names) Put("drive_c/Demo/" + name, "of somebody");
+  fs::create_directory(Host("drive_c/Demo/~TXSetup-folder.tmp"));
+  fs::create_symlink("elsewhere", Host("drive_c/Demo/~TXSetup-linked.tmp"));
+
+  files_.ReplaceWhole("C:\\Demo\\x", "new");
+
+  for (const std::string& name : names)
+    EXPECT_TRUE(fs::exists(Host("drive_c/Demo/" + name))) << name;
+  EXPECT_TRUE(fs::is_directory(Host("drive_c/Demo/~TXSetup-folder.tmp")));
+  EXPECT_TRUE(fs::is_symlink(Host("drive_c/Demo/~TXSetup-linked.tmp")));
+}
+
 TEST_F(HostFileSystemTest, ReplacingALinkReplacesWhatItPointsTo) {
   Put("target.reg", "old");
   fs::create_symlink(root_.Path() / "target.reg", root_.Path() / "drive_c/Demo/link.reg");

@@ -34,7 +34,7 @@ void RealFileSystemWorld::SetReadOnly(const std::string& path) {
 }
 
 std::string RealFileSystemWorld::TemporaryName(char digit) {
-  return ".txs-" + std::string(6, digit);
+  return "~TXSetup-" + std::string(6, digit) + ".tmp";
 }
 
 std::shared_ptr<void> RealFileSystemWorld::HoldAsWriter(const std::string& path) {
