@@ -21,6 +21,26 @@ bool MeansMissing(ErrorNumber number) {
          number == ErrorNumber::kBadFileName;
 }
 
+// Read as ANSI, such a file would look empty, and a save would put ANSI lines into it.
+void RefuseUnreadableEncoding(std::string_view path, std::string_view bytes) {
+  constexpr std::string_view kBigEndianMark = "\xFE\xFF";
+  constexpr std::string_view kLittleEndianMark = "\xFF\xFE";
+  constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+  if (bytes.starts_with(kBigEndianMark)) {
+    throw RuntimeError(ErrorNumber::kInvalidCall,
+                       std::string(path) +
+                           ": is UTF-16 with the high byte first, which cannot be "
+                           "read; save it as ANSI or UTF-8");
+  }
+  if (bytes.starts_with(kLittleEndianMark) || bytes.starts_with(kUtf8Mark)) return;
+  if (bytes.find('\0') != std::string_view::npos) {
+    throw RuntimeError(ErrorNumber::kInvalidCall,
+                       std::string(path) +
+                           ": holds zero bytes, so it is damaged or UTF-16 without "
+                           "a byte order mark; save it as ANSI or UTF-8");
+  }
+}
+
 }  // namespace
 
 ProfileFiles::Kept& ProfileFiles::Read(std::string_view path, Trust trust) {
@@ -37,7 +57,8 @@ ProfileFiles::Kept& ProfileFiles::Read(std::string_view path, Trust trust) {
   Kept read;
   try {
     // A path without a stamp is read too: what exists and cannot be read must throw.
-    std::string bytes = files_.ReadWhole(path);
+    const std::string bytes = files_.ReadWhole(path);
+    RefuseUnreadableEncoding(path, bytes);
     if (kept->exists && bytes == kept->document.Bytes()) {
       read.document = std::move(kept->document);
     } else {

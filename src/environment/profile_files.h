@@ -17,8 +17,9 @@ class ProfileFiles {
   explicit ProfileFiles(FileSystem& files) : files_(files) {}
 
   // The parsed file. A missing file is an empty document; one that exists and cannot be read throws
-  // RuntimeError, and so does one of more than 64 MiB (kOutOfMemory). The reference holds until the
-  // next call for the same path.
+  // RuntimeError, and so does one of more than 64 MiB (kOutOfMemory), and one that is UTF-16 but
+  // not marked as little-endian, or holds zero bytes without any mark (kInvalidCall). The reference
+  // holds until the next call for the same path.
   [[nodiscard]] const ProfileDocument& Open(std::string_view path);
 
   // Lets `edit` change the document and replaces the file atomically when its bytes changed. What

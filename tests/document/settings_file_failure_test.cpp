@@ -153,6 +153,25 @@ TEST(SettingsFileFailures, SettingsThatWereNotReadAreNotReplacedByTheDefaults) {
   EXPECT_EQ(world.Get(kSettingsPath), kOld);
 }
 
+TEST(SettingsFileFailures, SettingsInAnEncodingThatCannotBeReadStayAsTheyAre) {
+  for (const bool big_endian : {true, false}) {
+    DocumentWorld world;
+    std::string bytes = big_endian ? "\xFE\xFF" : "";
+    for (const char* c = kOld; *c != '\0'; ++c) {
+      bytes += big_endian ? std::string{'\0', *c} : std::string{*c, '\0'};
+    }
+    world.Files().AddFile(kSettingsPath, bytes);
+    EXPECT_EQ(world.NumberOfErrorFrom([&] { ReadSettings(world.application); }),
+              ErrorNumber::kInvalidCall);
+    world.application.document.changed = true;
+
+    EXPECT_FALSE(SaveSettings(world.application));
+
+    EXPECT_EQ(world.Files().Contents(kSettingsPath), bytes);
+    EXPECT_EQ(world.MessageIds(), (std::vector<long>{1931}));
+  }
+}
+
 TEST(SettingsFileFailures, SettingsThatAreReadInTheEndCanBeSaved) {
   DocumentWorld world;
   world.Put(kSettingsPath, kOld);

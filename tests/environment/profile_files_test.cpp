@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <string>
 
 #include "environment/runtime_error.h"
 #include "fakes/memory_file_system.h"
@@ -89,6 +90,37 @@ TEST_F(ProfileFilesTest, AFileTooLargeToBeAProfileFileIsRefusedUnread) {
   EXPECT_EQ(files_.opened, 0);
 }
 
+// They were read as files without any entry, and a save put ANSI lines into them.
+TEST_F(ProfileFilesTest, Utf16ThatIsNotMarkedAsLittleEndianIsRefused) {
+  using namespace std::string_literals;
+  for (const std::string& bytes : {"\xFE\xFF\0[\0s\0]"s, "\xFE\xFF"s, "[\0s\0]\0\r\0\n\0"s,
+                                   "\0[\0s\0]"s, "[s]\r\nk=1\r\n\0"s}) {
+    PutFile(bytes);
+
+    for (const bool changes : {false, true}) {
+      try {
+        if (changes) {
+          profiles_.Change(kPath, [](ProfileDocument& document) { document.Set("s", "k", "2"); });
+        } else {
+          (void)profiles_.Open(kPath);
+        }
+        ADD_FAILURE() << "no error was thrown";
+      } catch (const RuntimeError& error) {
+        EXPECT_EQ(error.Number(), ErrorNumber::kInvalidCall);
+        EXPECT_TRUE(error.Description().starts_with(kPath)) << error.Description();
+      }
+    }
+    EXPECT_EQ(files_.ReadWhole(kPath), bytes);
+  }
+}
+
+TEST_F(ProfileFilesTest, Utf16MarkedAsLittleEndianIsRead) {
+  using namespace std::string_literals;
+  PutFile("\xFF\xFE[\0s\0]\0\r\0\n\0k\0=\0001\0"s);
+
+  EXPECT_EQ(profiles_.Open(kPath).Value("s", "k"), "1");
+}
+
 TEST_F(ProfileFilesTest, AFileThatAppearsOrDisappearsIsNoticed) {
   EXPECT_EQ(profiles_.Open(kPath).Value("s", "k"), std::nullopt);
   PutFile("[s]\r\nk=1\r\n");
@@ -135,6 +167,19 @@ TEST_F(ProfileFilesTest, AChangeIsWrittenAndKept) {
   files_.opened = 0;
   EXPECT_EQ(profiles_.Open(kPath).Value("s", "k"), "2");
   EXPECT_EQ(files_.opened, 0);
+}
+
+// The clocks of some file systems go in steps of two seconds.
+TEST_F(ProfileFilesTest, AChangeIsMadeToWhatTheFileHoldsNowWhateverItsTimeSays) {
+  PutFile("[s]\r\nk=1\r\nl=1\r\n");
+  (void)profiles_.Open(kPath);
+  const FileStamp before = *files_.Stamp(kPath);
+  files_.AddFile(kPath, "[s]\r\nk=1\r\nl=9\r\n", before.last_write);
+  ASSERT_EQ(files_.Stamp(kPath), before);
+
+  profiles_.Change(kPath, [](ProfileDocument& document) { document.Set("s", "k", "2"); });
+
+  EXPECT_EQ(files_.ReadWhole(kPath), "[s]\r\nk=2\r\nl=9\r\n");
 }
 
 TEST_F(ProfileFilesTest, AChangeCreatesTheFile) {

@@ -2,6 +2,7 @@
 //
 // Input: the settings file, then the studio project.
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -54,6 +55,11 @@ bool HoldsHalfCharacters(std::string_view file) {
   return file.starts_with("\xFF\xFE") && !IsUtf8(Utf16ToUtf8(file.substr(2)));
 }
 
+bool IsUnreadable(std::string_view file) {
+  if (file.starts_with("\xFF\xFE") || file.starts_with("\xEF\xBB\xBF")) return false;
+  return file.starts_with("\xFE\xFF") || file.find('\0') != std::string_view::npos;
+}
+
 void Run(std::string_view input) {
   const std::vector<std::string_view> parts = Parts(input, 2);
   World world;
@@ -63,7 +69,17 @@ void Run(std::string_view input) {
   SetupDocument& document = world.application.document;
 
   const Allocations allocations;
-  ReadSettings(world.application);
+  if (const auto error = ErrorFrom([&] { ReadSettings(world.application); })) {
+    Require(*error == ErrorNumber::kInvalidCall &&
+                std::ranges::any_of(parts.begin(),
+                                    parts.begin() + std::min<std::ptrdiff_t>(std::ssize(parts), 2),
+                                    IsUnreadable),
+            "every file is read that is no unmarked or big-endian UTF-16");
+    Require(ErrorFrom([&] { WriteSettings(world.application); }) == ErrorNumber::kAlreadyExists,
+            "what was not read is not replaced");
+    Require(files.Contents(kSettings) == parts[0], "what was not read stays as it was");
+    return;
+  }
   allocations.RequireAtMost(input.size(), 1500, "reading settings takes memory as their size");
   Require(files.Contents(kSettings) == parts[0], "reading settings changes no byte");
   Require(!document.changed, "what was just read is not changed");
