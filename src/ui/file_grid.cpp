@@ -131,6 +131,9 @@ FileGrid::FileGrid(wxWindow* parent, FileList& files, Events events)
 }
 
 FileGrid::~FileGrid() {
+  // The control's own destructor ends an edit that never was, and says so; by then no FileGrid is
+  // left to hear it.
+  SetEvtHandlerEnabled(false);
   // The control outlives what its model reads from.
   WithoutSelectionEvents(*this, [this] { AssociateModel(nullptr); });
 }

@@ -816,6 +816,24 @@ TEST_F(FileGridTest, TheWindowMayCloseDuringAnEdit) {
   EXPECT_EQ(files_.RowCount(), 3U);
 }
 
+// Undefined behaviour once: the toolkit's destructor announced the end of an edit, with or without
+// one, to a list of which only the toolkit's part was left.
+TEST_F(FileGridTest, AListThatGoesHearsNothingMore) {
+  AddRows(3);
+  Show();
+  int ended = 0;
+  grid_->Bind(wxEVT_DATAVIEW_ITEM_EDITING_DONE, [&ended](wxDataViewEvent& event) {
+    ++ended;
+    event.Skip();
+  });
+
+  frame_->Destroy();
+  frame_ = nullptr;
+  LetEventsRun();
+
+  EXPECT_EQ(ended, 0);
+}
+
 // --- Files dropped onto it
 
 // A window whose every press of the mouse drags two files.
