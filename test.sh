@@ -5,6 +5,7 @@
 #   ./test.sh             preset ci: everything, with the windows
 #   ./test.sh sanitize    the tests under the address and undefined-behaviour sanitizers, and how
 #                         much of src/ without the windows they run
+#   ./test.sh sanitize-gui    the windows and their tests under the same sanitizers
 #   ./test.sh core        without wxWidgets
 #   ./test.sh windows     the Windows programs: cross-built for x86 and x64, the tests of the latter
 #                         under Wine; the first time it also builds their libraries
@@ -16,6 +17,7 @@ preset=${1:-ci}
 case $preset in
   ci) groups='build ui test display package' ;;
   core | sanitize) groups='build test' ;;
+  sanitize-gui) groups='build ui test display' ;;
   windows)
     groups='build test display package windows'
     preset=windows-x64
@@ -26,7 +28,7 @@ case $preset in
     exit 0
     ;;
   *)
-    echo "$0: '$preset' is not ci, core, sanitize, windows or analysis" >&2
+    echo "$0: '$preset' is not ci, core, sanitize, sanitize-gui, windows or analysis" >&2
     exit 2
     ;;
 esac
@@ -67,11 +69,11 @@ cmake --preset "$configured" -D TXS_WARNINGS_AS_ERRORS=ON -D TXS_COVERAGE=$cover
   cat "$build.configure.log" >&2
   exit 1
 }
-if [ "$preset" = windows-x64 ]; then
-  cmake --build --preset "$preset"
-elif [ "$preset" != analysis ]; then
-  cmake --build --preset "$preset" --target all all_verify_interface_header_sets
-fi
+case $preset in
+  analysis) ;;
+  windows-x64 | sanitize-gui) cmake --build --preset "$preset" ;;
+  *) cmake --build --preset "$preset" --target all all_verify_interface_header_sets ;;
+esac
 
 checks=
 run_check() {

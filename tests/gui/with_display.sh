@@ -6,6 +6,10 @@
 # The display and the window manager end with the command, whose exit code this has.
 set -eu
 
+# For programs that were built with sanitizers.
+here=$(cd "$(dirname "$0")" && pwd)
+export LSAN_OPTIONS="suppressions=$here/leaks.supp:print_suppressions=0${LSAN_OPTIONS:+:$LSAN_OPTIONS}"
+
 scratch=$(mktemp -d)
 server=
 manager=
