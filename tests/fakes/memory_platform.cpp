@@ -39,10 +39,12 @@ void MemoryPlatform::CountEverything() {
     }
   };
   archiver.fails = [this](std::string_view source) {
+    archiver.reason.clear();
     try {
       files.CountOther("Archiver.Compress", source);
       return ArchiveResult::kSuccess;
     } catch (const RuntimeError& error) {
+      archiver.reason = error.Description();
       switch (error.Number()) {
         case ErrorNumber::kFileNotFound:
           return ArchiveResult::kSourceNotFound;

@@ -1,6 +1,8 @@
 #include "fakes/memory_registry.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <variant>
 
 #include "environment/code_page.h"
 
@@ -51,6 +53,20 @@ void MemoryRegistry::RemoveKey(Hive hive, std::string_view key) {
   std::erase_if(parent->second.subkeys, [&](const std::string& name) {
     return EqualNoCase(name, key.substr(separator + 1));
   });
+}
+
+std::map<std::string, std::string> MemoryRegistry::Everything() const {
+  std::map<std::string, std::string> everything;
+  for (const auto& [address, key] : keys_) {
+    std::string& subkeys = everything[address];
+    for (const std::string& name : key.subkeys) subkeys += name + "\n";
+    for (const auto& [name, value] : key.values) {
+      const auto* const text = std::get_if<std::string>(&value);
+      everything[address + " " + name] =
+          text != nullptr ? *text : std::to_string(std::get<std::uint32_t>(value));
+    }
+  }
+  return everything;
 }
 
 MemoryRegistry::Key& MemoryRegistry::Make(Hive hive, std::string_view key) {

@@ -28,6 +28,9 @@ class MemoryRegistry : public Registry {
   [[nodiscard]] std::vector<std::string> Subkeys(Hive hive, std::string_view key) const override;
   void RemoveKey(Hive hive, std::string_view key) override;
 
+  // Every value by its address, and every key with its subkeys; to be compared with another time's.
+  [[nodiscard]] std::map<std::string, std::string> Everything() const;
+
  private:
   struct Key {
     std::map<std::string, RegistryValue> values;  // by folded name
