@@ -1,5 +1,6 @@
 #include "environment/file_system.h"
 
+#include "environment/code_page.h"
 #include "environment/runtime_error.h"
 
 namespace txs {
@@ -12,6 +13,22 @@ constexpr std::uint64_t kMaxWholeBytes = std::uint64_t{2} * 1024 * 1024 * 1024;
 }
 
 }  // namespace
+
+std::string PrintableName(std::string_view name) {
+  constexpr std::string_view kHexDigits = "0123456789ABCDEF";
+  const bool is_text = IsUtf8(name);
+  std::string printable;
+  for (const char c : name) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool can_be_shown = byte >= 0x20 && byte != 0x7F && (is_text || byte < 0x80);
+    if (can_be_shown) {
+      printable += c;
+    } else {
+      printable += {'\\', 'x', kHexDigits[byte >> 4], kHexDigits[byte & 0xF]};
+    }
+  }
+  return printable;
+}
 
 std::string FileReader::ReadWhole(std::string_view path) const {
   const std::unique_ptr<InputFile> file = OpenForReading(path);

@@ -70,6 +70,10 @@ struct FileStamp {
   bool operator==(const FileStamp&) const = default;
 };
 
+// A name as the disk has it as text that can be shown: control characters, and all bytes of a name
+// that is not UTF-8 beyond ASCII, as "\xFC".
+[[nodiscard]] std::string PrintableName(std::string_view name);
+
 class FileReader {
  public:
   virtual ~FileReader() = default;
@@ -91,6 +95,11 @@ class FileReader {
   // folder does not exist.
   [[nodiscard]] virtual std::vector<FileEntry> List(std::string_view folder,
                                                     std::string_view pattern) const = 0;
+
+  // What `folder` holds besides, made by another system: entries that List passes over since no
+  // Windows path can name them ("a:b.zip", "x\y.zip", a name that is not UTF-8). Each name is made
+  // fit to be shown by PrintableName, in which order they come. Throws as List.
+  [[nodiscard]] virtual std::vector<FileEntry> UnusableEntries(std::string_view folder) const = 0;
 
   // All bytes of a file. Throws as OpenForReading, and kOutOfMemory beyond 2 GiB.
   [[nodiscard]] std::string ReadWhole(std::string_view path) const;

@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <functional>
 #include <tuple>
 #include <utility>
 
@@ -245,6 +246,34 @@ class OpenFolder {
 bool IsFolderAt(const std::string& path) {
   struct stat status;
   return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// The entries of the folder at `path`, which the caller calls `folder`, whose name `wanted` wants,
+// in no order.
+std::vector<FileEntry> EntriesOf(const std::string& path, std::string_view folder,
+                                 const std::function<bool(const std::string&)>& wanted) {
+  if (!IsFolderAt(path)) ThrowAbout(ErrorNumber::kPathNotFound, folder, "Folder not found");
+  OpenFolder open_folder(path);
+  if (!open_folder.IsOpen()) ThrowErrno(errno, folder);
+  std::vector<FileEntry> entries;
+  for (;;) {
+    errno = 0;
+    const dirent* const entry = open_folder.Next();
+    if (entry == nullptr) {
+      if (errno != 0) ThrowErrno(errno, folder);
+      return entries;
+    }
+    const std::string name = entry->d_name;
+    if (!wanted(name)) continue;
+    const std::string entry_path = Below(path, name);
+    struct stat status;
+    const bool is_link = entry->d_type == DT_LNK ||
+                         (entry->d_type == DT_UNKNOWN && lstat(entry_path.c_str(), &status) == 0 &&
+                          S_ISLNK(status.st_mode));
+    const bool is_folder = entry->d_type == DT_DIR ||
+                           ((entry->d_type == DT_UNKNOWN || is_link) && IsFolderAt(entry_path));
+    entries.push_back({name, is_folder, is_link});
+  }
 }
 
 bool IsSame(const struct stat& left, const struct stat& right) {
@@ -690,29 +719,11 @@ std::unique_ptr<InputFile> HostFileSystem::OpenForReading(std::string_view path)
 
 std::vector<FileEntry> HostFileSystem::List(std::string_view folder,
                                             std::string_view pattern) const {
-  const Place place = Locate(folder);
-  const std::string path = place.Path();
-  if (!IsFolderAt(path)) ThrowAbout(ErrorNumber::kPathNotFound, folder, "Folder not found");
-  OpenFolder open_folder(path);
-  if (!open_folder.IsOpen()) ThrowErrno(errno, folder);
   std::vector<std::pair<std::string, FileEntry>> found;  // folded name, entry
-  for (;;) {
-    errno = 0;
-    const dirent* const entry = open_folder.Next();
-    if (entry == nullptr) {
-      if (errno != 0) ThrowErrno(errno, folder);
-      break;
-    }
-    const std::string name = entry->d_name;
-    if (!IsUtf8(name) || !IsWindowsName(name) || !MatchesWildcard(name, pattern)) continue;
-    const std::string entry_path = Below(path, name);
-    struct stat status;
-    const bool is_link = entry->d_type == DT_LNK ||
-                         (entry->d_type == DT_UNKNOWN && lstat(entry_path.c_str(), &status) == 0 &&
-                          S_ISLNK(status.st_mode));
-    const bool is_folder = entry->d_type == DT_DIR ||
-                           ((entry->d_type == DT_UNKNOWN || is_link) && IsFolderAt(entry_path));
-    found.push_back({FoldCase(name), {name, is_folder, is_link}});
+  for (FileEntry& entry : EntriesOf(Locate(folder).Path(), folder, [&](const std::string& name) {
+         return IsUtf8(name) && IsWindowsName(name) && MatchesWildcard(name, pattern);
+       })) {
+    found.emplace_back(FoldCase(entry.name), std::move(entry));
   }
   std::ranges::sort(found, [](const auto& left, const auto& right) {
     return std::tie(left.first, left.second.name) < std::tie(right.first, right.second.name);
@@ -720,6 +731,15 @@ std::vector<FileEntry> HostFileSystem::List(std::string_view folder,
   std::vector<FileEntry> entries;
   entries.reserve(found.size());
   for (auto& [folded, entry] : found) entries.push_back(std::move(entry));
+  return entries;
+}
+
+std::vector<FileEntry> HostFileSystem::UnusableEntries(std::string_view folder) const {
+  std::vector<FileEntry> entries =
+      EntriesOf(Locate(folder).Path(), folder,
+                [](const std::string& name) { return !IsUtf8(name) || !IsWindowsName(name); });
+  for (FileEntry& entry : entries) entry.name = PrintableName(entry.name);
+  std::ranges::sort(entries, {}, &FileEntry::name);
   return entries;
 }
 

@@ -37,6 +37,7 @@ class HostFileSystem : public FileSystem, public HostPaths {
   [[nodiscard]] std::unique_ptr<InputFile> OpenForReading(std::string_view path) const override;
   [[nodiscard]] std::vector<FileEntry> List(std::string_view folder,
                                             std::string_view pattern) const override;
+  [[nodiscard]] std::vector<FileEntry> UnusableEntries(std::string_view folder) const override;
   [[nodiscard]] std::string FinalPath(std::string_view path) const override;
   [[nodiscard]] std::unique_ptr<OutputFile> CreateForWriting(std::string_view path) override;
   [[nodiscard]] std::unique_ptr<OutputFile> OpenForAppending(std::string_view path) override;

@@ -680,6 +680,29 @@ std::vector<FileEntry> WindowsFileSystem::List(std::string_view folder,
   return entries;
 }
 
+// Only names with half a surrogate pair: the system itself refuses all others.
+std::vector<FileEntry> WindowsFileSystem::UnusableEntries(std::string_view folder) const {
+  const std::wstring absolute = Absolute(folder);
+  RetryPauses pauses(patience_);
+  const Found asked = LookPatiently(absolute, pauses);
+  if (!asked.IsThere() && !MeansMissing(asked.error)) ThrowWindowsError(asked.error, folder);
+  if (!asked.IsFolderThere()) ThrowWindowsError(ERROR_PATH_NOT_FOUND, folder);
+  std::vector<FileEntry> entries;
+  std::optional<Search> search;
+  for (SearchIn(Native(absolute), pauses, search); search->IsOpen(); search->Next()) {
+    const WIN32_FIND_DATAW& entry = search->Entry();
+    const std::string name = ToUtf8(entry.cFileName);
+    if (IsUtf8(name)) continue;
+    entries.push_back({PrintableName(name), IsFolder(entry.dwFileAttributes),
+                       LeadsElsewhere(entry.dwFileAttributes, entry.dwReserved0)});
+  }
+  if (search->Error() != ERROR_NO_MORE_FILES && search->Error() != ERROR_FILE_NOT_FOUND) {
+    ThrowWindowsError(search->Error(), folder);
+  }
+  std::ranges::sort(entries, {}, &FileEntry::name);
+  return entries;
+}
+
 std::unique_ptr<OutputFile> WindowsFileSystem::OpenOutput(std::string_view path, Ends ends) {
   const std::wstring absolute = Absolute(path);
   RetryPauses pauses(patience_);

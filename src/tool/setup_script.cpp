@@ -118,6 +118,18 @@ bool MayBeCommand(std::string_view name) {
   });
 }
 
+// Whether a directory in the path is "..", or what Windows takes for it or for nothing: blanks and
+// dots only.
+bool LeadsElsewhere(std::string_view path) {
+  for (std::size_t begin = 0; begin < path.size();) {
+    const std::size_t end = std::min(path.find_first_of("\\/", begin), path.size());
+    const std::string_view part = path.substr(begin, end - begin);
+    if (!part.empty() && part.find_first_not_of(". ") == std::string_view::npos) return true;
+    begin = end + 1;
+  }
+  return false;
+}
+
 class Parser {
  public:
   explicit Parser(SetupScript& script) : script_(script) {}
@@ -261,6 +273,8 @@ class Parser {
     }
     if (!IsPlainFileName(FileName(install.target))) {
       Fault("the target is no file: " + Quoted(install.target));
+    } else if (LeadsElsewhere(install.target)) {
+      Fault("the target leads out of its directory: " + Quoted(install.target));
     }
     const std::optional<std::uint64_t> length = Digits(arguments[2]);
     if (length) {

@@ -21,6 +21,8 @@ namespace {
 constexpr char kScriptName[] = "SETUP.STP";
 constexpr std::uint64_t kLongestScript = std::uint64_t{64} << 20;
 constexpr char kIsLink[] = "is a link and not followed";
+constexpr char kUnusableName[] = "has a name that no setup can use";
+constexpr std::string_view kDiskPrefix = "DISK";
 constexpr std::size_t kMostDamages = 10000;
 
 struct DiskFile {
@@ -44,10 +46,11 @@ struct Disk {
 
 // The number of "DISK12"; nothing for any other name, also for "DISK012".
 std::optional<std::uint64_t> DiskNumber(std::string_view name) {
-  constexpr std::size_t kPrefix = 4;
+  constexpr std::size_t kPrefix = kDiskPrefix.size();
   constexpr std::size_t kMostDigits = 9;
   if (name.size() <= kPrefix || name.size() > kPrefix + kMostDigits) return std::nullopt;
-  if (!EqualNoCase(name.substr(0, kPrefix), "DISK") || name[kPrefix] == '0') return std::nullopt;
+  if (!EqualNoCase(name.substr(0, kPrefix), kDiskPrefix) || name[kPrefix] == '0')
+    return std::nullopt;
   std::uint64_t number = 0;
   for (const char c : name.substr(kPrefix)) {
     if (c < '0' || c > '9') return std::nullopt;
@@ -129,6 +132,12 @@ class Verifier {
           disk.path = directory_ + "\\" + entry.name;
         }
       }
+      for (const FileEntry& entry : files_.UnusableEntries(directory_ + "\\")) {
+        if (!entry.is_folder) continue;
+        if (EqualNoCase(std::string_view(entry.name).substr(0, kDiskPrefix.size()), kDiskPrefix)) {
+          Add(entry.name, kUnusableName);
+        }
+      }
     });
     std::uint64_t next = 1;
     for (const auto& [number, disk] : disks_) {
@@ -151,7 +160,7 @@ class Verifier {
         // Nothing that could lead elsewhere is as much as looked at: a foreign tool can give a file
         // a name that means a device or another directory.
         if (!IsPlainFileName(entry.name)) {
-          Add(disk.name + "\\" + entry.name, "has a name that no setup can use");
+          Add(disk.name + "\\" + entry.name, kUnusableName);
           continue;
         }
         if (entry.is_link) {
@@ -174,6 +183,9 @@ class Verifier {
           continue;
         }
         disk.files.push_back(std::move(file));
+      }
+      for (const FileEntry& entry : files_.UnusableEntries(disk.path)) {
+        Add(disk.name + "\\" + entry.name, kUnusableName);
       }
     });
   }

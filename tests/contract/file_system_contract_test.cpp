@@ -317,6 +317,15 @@ TYPED_TEST(FileSystemContract, ListingMatchesWildcardsInTheOrderOfFoldedNames) {
   EXPECT_EQ(this->ErrorOf([&] { (void)this->files.List("C:\\Demo\\x.txt", "*"); }), 76);
 }
 
+TYPED_TEST(FileSystemContract, AFolderOfOrdinaryNamesHasNoUnusableEntries) {
+  this->Write("C:\\Demo\\ä b.txt", "");
+  this->files.MakeFolder("C:\\Demo\\folder");
+
+  EXPECT_TRUE(this->files.UnusableEntries("C:\\Demo\\").empty());
+  EXPECT_EQ(this->ErrorOf([&] { (void)this->files.UnusableEntries("C:\\none"); }), 76);
+  EXPECT_EQ(this->ErrorOf([&] { (void)this->files.UnusableEntries("C:\\Demo\\ä b.txt"); }), 76);
+}
+
 TYPED_TEST(FileSystemContract, TheStampTellsLengthAndTime) {
   this->Write("C:\\Demo\\x", "12345");
 

@@ -21,6 +21,7 @@ class OneFile : public FileReader {
   bool FolderExists(std::string_view) const override { return false; }
   std::optional<FileStamp> Stamp(std::string_view) const override { return std::nullopt; }
   std::vector<FileEntry> List(std::string_view, std::string_view) const override { return {}; }
+  std::vector<FileEntry> UnusableEntries(std::string_view) const override { return {}; }
   std::unique_ptr<InputFile> OpenForReading(std::string_view path) const override {
     if (path == "missing") throw RuntimeError(ErrorNumber::kFileNotFound, "missing");
     return std::make_unique<Open>(*this);

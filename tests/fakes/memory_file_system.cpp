@@ -131,6 +131,14 @@ void MemoryFileSystem::AddFile(std::string_view path, std::string_view bytes, Fi
 
 void MemoryFileSystem::AddFolder(std::string_view path) { MakeFolders(Normalize(path)); }
 
+void MemoryFileSystem::AddUnusableEntry(std::string_view folder, FileEntry entry) {
+  AddFolder(folder);
+  entry.name = PrintableName(entry.name);
+  std::vector<FileEntry>& entries = unusable_[FoldCase(Normalize(folder))];
+  entries.push_back(std::move(entry));
+  std::ranges::sort(entries, {}, &FileEntry::name);
+}
+
 void MemoryFileSystem::SetLastWriteTime(std::string_view path, FileTime time) {
   if (Node* node = Find(path)) node->last_write = time;
 }
@@ -253,6 +261,17 @@ std::vector<FileEntry> MemoryFileSystem::List(std::string_view folder,
     return FoldCase(left.name) < FoldCase(right.name);
   });
   return entries;
+}
+
+std::vector<FileEntry> MemoryFileSystem::UnusableEntries(std::string_view folder) const {
+  Count("List", folder);
+  static_cast<void>(NeedPath(folder));
+  const Node* node = Find(folder);
+  if (node == nullptr || !node->is_folder) {
+    Throw(ErrorNumber::kPathNotFound, folder, "Folder not found");
+  }
+  const auto found = unusable_.find(FoldCase(Normalize(folder)));
+  return found == unusable_.end() ? std::vector<FileEntry>() : found->second;
 }
 
 std::unique_ptr<OutputFile> MemoryFileSystem::CreateForWriting(std::string_view path) {

@@ -34,6 +34,8 @@ class MemoryFileSystem : public FileSystem {
   void AddFile(std::string_view path, std::string_view bytes);
   void AddFile(std::string_view path, std::string_view bytes, FileTime last_write);
   void AddFolder(std::string_view path);
+  // An entry of `folder` whose name no path can hold, as another system may make it.
+  void AddUnusableEntry(std::string_view folder, FileEntry entry);
   void SetLastWriteTime(std::string_view path, FileTime time);
   void SetReadOnly(std::string_view path, bool read_only);
   // Bytes that may still be written before the disk is full.
@@ -73,6 +75,7 @@ class MemoryFileSystem : public FileSystem {
   [[nodiscard]] std::unique_ptr<InputFile> OpenForReading(std::string_view path) const override;
   [[nodiscard]] std::vector<FileEntry> List(std::string_view folder,
                                             std::string_view pattern) const override;
+  [[nodiscard]] std::vector<FileEntry> UnusableEntries(std::string_view folder) const override;
   [[nodiscard]] std::string FinalPath(std::string_view path) const override;
   [[nodiscard]] std::unique_ptr<OutputFile> CreateForWriting(std::string_view path) override;
   [[nodiscard]] std::unique_ptr<OutputFile> OpenForAppending(std::string_view path) override;
@@ -118,7 +121,8 @@ class MemoryFileSystem : public FileSystem {
   void MakeFolders(const std::string& normalized);
   FileTime Tick();
 
-  std::map<std::string, Node> nodes_;  // by folded path
+  std::map<std::string, Node> nodes_;                       // by folded path
+  std::map<std::string, std::vector<FileEntry>> unusable_;  // by folded path of the folder
   std::uint64_t free_bytes_;
   FileTime now_;
   mutable std::uint64_t operations_ = 0;

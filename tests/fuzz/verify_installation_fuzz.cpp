@@ -81,6 +81,9 @@ class WatchedDisk : public FileReader {
     }
     return entries;
   }
+  [[nodiscard]] std::vector<FileEntry> UnusableEntries(std::string_view) const override {
+    return {};
+  }
 
  private:
   class File : public InputFile {

@@ -18,6 +18,7 @@ namespace {
 using ::testing::Contains;
 using ::testing::Field;
 using ::testing::IsEmpty;
+using ::testing::UnorderedElementsAre;
 
 namespace fs = std::filesystem;
 
@@ -54,6 +55,25 @@ TEST_F(HostileInstallationOnDisk, LinksAreDamagesAndNotFollowed) {
 
     EXPECT_THAT(result.damages, Contains(Damage{where, "is a link and not followed"}));
   }
+}
+
+// Listing passes over what no Windows path can name, so they went unseen.
+TEST_F(HostileInstallationOnDisk, EntriesThatNoPathCanNameAreDamages) {
+  Lay({{"DISK1\\DISK1", " 1 "}, {"DISK1\\SETUP.STP", Script({})}});
+  ASSERT_THAT(VerifyWatched().damages, IsEmpty());
+  for (const char* name : {"a:b.zip", "x\\y.zip", "gr\xFCn.zip", "a\nb", "*.dat"}) {
+    WriteHostFile(Setup("DISK1") / name, "foreign");
+  }
+  fs::create_directories(Setup("") / "DISK9\xFC");
+  fs::create_directories(Setup("") / "disk2:");
+  fs::create_directories(Setup("") / "other:");  // beside the disks there may be anything
+
+  const std::string what = "has a name that no setup can use";
+  EXPECT_THAT(VerifyWatched().damages,
+              UnorderedElementsAre(
+                  Damage{"DISK9\\xFC", what}, Damage{"disk2:", what}, Damage{"DISK1\\*.dat", what},
+                  Damage{"DISK1\\a:b.zip", what}, Damage{"DISK1\\x\\y.zip", what},
+                  Damage{"DISK1\\gr\\xFCn.zip", what}, Damage{"DISK1\\a\\x0Ab", what}));
 }
 
 TEST_F(HostileInstallationOnDisk, PipesAreDamagesAndDoNotHoldItUp) {

@@ -22,6 +22,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
+using ::testing::UnorderedElementsAre;
 
 namespace fs = std::filesystem;
 
@@ -67,6 +68,18 @@ TEST_F(HostileInstallationOnDisk, IsToldOfWithoutWritingAndWithoutLeavingItsDire
   }
 }
 
+TEST(HostileInstallationInMemory, EntriesThatNoPathCanNameAreDamages) {
+  MemoryFileSystem files;
+  files.AddFile(JoinPath(kSetup, "DISK1\\DISK1"), " 1 ");
+  files.AddFile(JoinPath(kSetup, "DISK1\\SETUP.STP"), Script({}));
+  files.AddUnusableEntry(JoinPath(kSetup, "DISK1"), {"a:b.zip"});
+  files.AddUnusableEntry(kSetup, {"DISK9\xFC", /*is_folder=*/true});
+
+  const std::string what = "has a name that no setup can use";
+  EXPECT_THAT(VerifyInstallation(files, kSetup).damages,
+              UnorderedElementsAre(Damage{"DISK9\\xFC", what}, Damage{"DISK1\\a:b.zip", what}));
+}
+
 // Names that only another program can have given, and that a back-end may list all the same.
 class OddNames : public FileReader {
  public:
@@ -89,6 +102,9 @@ class OddNames : public FileReader {
     std::vector<FileEntry> entries;
     for (const std::string& name : names) entries.push_back({name, /*is_folder=*/false});
     return entries;
+  }
+  [[nodiscard]] std::vector<FileEntry> UnusableEntries(std::string_view) const override {
+    return {};
   }
 };
 

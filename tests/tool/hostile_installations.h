@@ -96,6 +96,12 @@ inline std::vector<Hostile> HostileInstallations() {
   all.push_back({"target that is a device",
                  OneDisk({{"x.zip", "<ProjectDir>\\NUL", "6", "1"}}, {{"DISK1\\x.zip", "x"}}),
                  "the target is no file"});
+  for (const char* target : {"<ProjectDir>\\..\\..\\Windows\\x", "<ProjectDir>/../x", "..\\x",
+                             "<WinDir>\\.. \\x", "<WinDir>\\...\\x", "C:\\.\\x"}) {
+    all.push_back({"target " + std::string(target),
+                   OneDisk({{"x.zip", target, "6", "1"}}, {{"DISK1\\x.zip", "x"}}),
+                   "the target leads out of its directory"});
+  }
   all.push_back({"disks without end",
                  OneDisk({{"x.zip", "<ProjectDir>\\x", "6",
                            [] {
@@ -210,6 +216,10 @@ class WatchedDisk : public FileReader {
                                             std::string_view pattern) const override {
     touched_.push_back(disk_.Followed(folder));
     return disk_.files.List(folder, pattern);
+  }
+  [[nodiscard]] std::vector<FileEntry> UnusableEntries(std::string_view folder) const override {
+    touched_.push_back(disk_.Followed(folder));
+    return disk_.files.UnusableEntries(folder);
   }
 
  private:
