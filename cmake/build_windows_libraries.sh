@@ -33,8 +33,8 @@ base=${XDG_CACHE_HOME:-$HOME/.cache}/tx-windows-libraries
 mkdir -p "$base"
 base=$(cd "$base" && pwd)
 optimise='-O2 -ffunction-sections -fdata-sections'
-# The toolkit is most of a program's size and little of its time.
-small='-Os -ffunction-sections -fdata-sections'
+# The toolkit is most of what is built here and little of a program's time.
+quick='-O1 -ffunction-sections -fdata-sections'
 
 # Two builds at once take turns.
 exec 9> "$base/lock"
@@ -200,10 +200,20 @@ wx_options='--with-msw --disable-shared --enable-unicode --disable-tests --disab
   --disable-filepicker --disable-fontpicker --disable-hyperlink --disable-infobar
   --disable-editablebox --disable-notifmsg --disable-prefseditor
   --disable-rearrangectrl --disable-toolbook --disable-treebook --disable-listbook
-  --disable-choicebook --disable-aboutdlg --disable-finddlg --disable-treelist'
+  --disable-choicebook --disable-aboutdlg --disable-finddlg --disable-treelist
+  --disable-calendar --disable-datepick --disable-timepick --disable-bmpcombobox --disable-odcombobox
+  --disable-comboctrl --disable-collpane --disable-actindicator --disable-filectrl --disable-searchctrl
+  --disable-slider --disable-splitter --disable-sash --disable-toolbar --disable-tbarnative
+  --disable-taskbaricon --disable-miniframe --disable-coldlg --disable-fontdlg --disable-numberdlg
+  --disable-creddlg --disable-progressdlg --disable-choicedlg --disable-richmsgdlg
+  --disable-richtooltip --disable-dragimage --disable-splines --disable-postscript --disable-metafile
+  --disable-hotkey --disable-snglinst --disable-filehistory --disable-logwin --disable-logdialog
+  --disable-togglebtn --disable-radiobox --disable-checklst --disable-iniconf --disable-mimetype
+  --disable-constraints --disable-spinctrl --disable-spinbtn --disable-arttango
+  --disable-dependency-tracking'
 build_wxwidgets() {
   # The paths of the sources are in the texts of assertions; they would name this machine.
-  flags="$small -ffile-prefix-map=$1=wxwidgets"
+  flags="$quick -ffile-prefix-map=$1=wxwidgets"
   # shellcheck disable=SC2086 # one word per option
   (
     cd "$2"
@@ -223,7 +233,7 @@ wanted libdeflate libdeflate "$(source_version libdeflate-dev)" "$optimise"
 wanted googletest - "$(source_version googletest)" Release
 wanted libzip libzip "$(source_version libzip-dev)" "$zip_options"
 if [ "$with_wx" -eq 1 ]; then
-  wanted wxwidgets wxwidgets3.2 "$(source_version libwxgtk3.2-dev)" "$small $wx_options"
+  wanted wxwidgets wxwidgets3.2 "$(source_version libwxgtk3.2-dev)" "$quick $wx_options"
 fi
 
 running=
