@@ -19,7 +19,12 @@ if [ ! -e "$WINEPREFIX/ready" ]; then
     # Several tests may start at once; one of them makes the prefix, the others wait.
     flock 9
     if [ ! -e "$WINEPREFIX/ready" ]; then
-      wine wineboot --init > /dev/null 2>&1
+      # What Wine leaves running must not keep the lock.
+      if ! wine wineboot --init > "$WINEPREFIX/wineboot.log" 2>&1 9>&-; then
+        cat "$WINEPREFIX/wineboot.log" >&2
+        echo "$0: wineboot failed; no Windows in $WINEPREFIX" >&2
+        exit 1
+      fi
       touch "$WINEPREFIX/ready"
     fi
   ) 9> "$WINEPREFIX/lock"

@@ -56,6 +56,18 @@ std::string JoinArguments(int argc, const char* const* argv) {
   return line;
 }
 
+std::string_view BehindProgramName(std::string_view command_line) {
+  bool is_quoted = false;
+  std::size_t end = 0;
+  for (; end < command_line.size(); ++end) {
+    const char c = command_line[end];
+    if (c == '"') is_quoted = !is_quoted;
+    if (!is_quoted && (c == ' ' || c == '\t')) break;
+  }
+  const std::size_t begin = command_line.find_first_not_of(" \t", end);
+  return begin == std::string_view::npos ? std::string_view() : command_line.substr(begin);
+}
+
 std::string UnquoteSwitch(std::string_view text) {
   const std::string_view line = TrimSpaces(text);
   if (line.size() >= 2 && line.front() == '"' && line.back() == '"') {

@@ -25,6 +25,10 @@ struct CommandLine {
 // The command line of Windows is one text; here the arguments are joined by blanks.
 [[nodiscard]] std::string JoinArguments(int argc, const char* const* argv);
 
+// What stands behind the program's name on a whole command line of Windows. The name ends where the
+// C runtime has it end: at the first blank or tab outside quotes, wherever in it these begin.
+[[nodiscard]] std::string_view BehindProgramName(std::string_view command_line);
+
 // A command line as Windows hands it over, when a program and not a person typed it: many put an
 // argument with blanks into quotes as a whole ("/c=C:\Demo Süd\Demo.txs"). Quotes around one of the
 // four unattended switches and what follows it are removed; any other text stays as it is.

@@ -24,6 +24,9 @@ inline constexpr char kApplicationTitle[] = "TavixStudio - Setup Wizard";
 // The arguments behind the program's name, in UTF-8.
 [[nodiscard]] std::vector<std::string> CommandLineArguments(int argc, const char* const* argv);
 
+// Whether somebody can watch standard error; false when it goes to a file or another program.
+[[nodiscard]] bool ErrorsGoToATerminal();
+
 // As long as it lives, the console shows as UTF-8 what the program writes.
 class Utf8Console {
  public:

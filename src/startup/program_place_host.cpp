@@ -1,3 +1,5 @@
+#include <unistd.h>
+
 #include <algorithm>
 #include <string>
 #include <system_error>
@@ -31,6 +33,8 @@ std::string CommandLineText(int argc, const char* const* argv) { return JoinArgu
 std::vector<std::string> CommandLineArguments(int argc, const char* const* argv) {
   return {argv + 1, argv + argc};
 }
+
+bool ErrorsGoToATerminal() { return isatty(STDERR_FILENO) == 1; }
 
 // The terminals of Linux show UTF-8.
 Utf8Console::Utf8Console() = default;

@@ -37,11 +37,7 @@ ApplicationInfo ThisApplication() {
 }
 
 std::string CommandLineText(int /*argc*/, const char* const* /*argv*/) {
-  const std::wstring_view line = GetCommandLineW();
-  const bool is_quoted = line.starts_with(L'"');
-  const std::size_t end = is_quoted ? line.find(L'"', 1) : line.find_first_of(L" \t");
-  if (end == std::wstring_view::npos) return {};
-  return UnquoteSwitch(ToUtf8(line.substr(end + 1)));
+  return UnquoteSwitch(BehindProgramName(ToUtf8(GetCommandLineW())));
 }
 
 std::vector<std::string> CommandLineArguments(int /*argc*/, const char* const* /*argv*/) {
@@ -51,6 +47,11 @@ std::vector<std::string> CommandLineArguments(int /*argc*/, const char* const* /
   for (int i = 1; i < count; ++i) arguments.push_back(ToUtf8(wide[i]));
   LocalFree(wide);
   return arguments;
+}
+
+bool ErrorsGoToATerminal() {
+  DWORD mode = 0;
+  return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
 }
 
 Utf8Console::Utf8Console() : code_page_before_(GetConsoleOutputCP()) {

@@ -3,6 +3,8 @@
 // call, as on Linux.
 #include "startup/window_module.h"
 
+#include "startup/window_station_win32.h"
+
 #ifdef TXS_WITH_WINDOWS
 extern "C" txs::Windows* TxsOpenWindows(const char* application_title);
 #endif
@@ -11,6 +13,9 @@ namespace txs {
 
 OpenedWindows OpenWindowModule([[maybe_unused]] const char* application_title) {
 #ifdef TXS_WITH_WINDOWS
+  if (!WindowsCanBeSeen()) {
+    return {.windows = nullptr, .fault = WindowFault::kNoDisplay, .reason = {}};
+  }
   Windows* const windows = TxsOpenWindows(application_title);
   return {.windows = windows,
           .fault = windows == nullptr ? WindowFault::kNoDisplay : WindowFault::kNone,

@@ -1,6 +1,4 @@
 // TXSetupTool.
-#include <unistd.h>
-
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -51,7 +49,7 @@ int main(int argc, char** argv) {
   txs::ToolContext context{
       .out = std::cout,
       .err = std::cerr,
-      .err_is_terminal = isatty(STDERR_FILENO) == 1,
+      .err_is_terminal = txs::ErrorsGoToATerminal(),
       .version = TXS_VERSION,
       .platform = [&platform]() -> txs::Platform& { return platform.Get(); },
       .windows_path = [&platform](const std::string& path) { return platform.WindowsPath(path); }};

@@ -12,6 +12,7 @@ namespace txs {
 namespace {
 
 constexpr long kTooManyFiles = 1701;
+constexpr long kNotCompleted = 1913;
 constexpr long kOutsideOfDrives = 1925;
 constexpr long kChooseSetupDirectory = 1926;
 // A box that names more would not fit on the screen.
@@ -56,10 +57,15 @@ std::vector<std::string> WindowsPaths(Application& application,
 
 std::vector<std::string> AskForFiles(wxWindow* parent, Application& application,
                                      const FileQuestion& question) {
-  const OpenFilesAnswer answer =
-      OpenFiles(parent, question, HostFolder(application, question.directory));
-  if (answer.too_many) ShowWarning(application, kTooManyFiles, {});
-  return WindowsPaths(application, answer.host_paths);
+  try {
+    const OpenFilesAnswer answer =
+        OpenFiles(parent, question, HostFolder(application, question.directory));
+    if (answer.too_many) ShowWarning(application, kTooManyFiles, {});
+    return WindowsPaths(application, answer.host_paths);
+  } catch (const RuntimeError& error) {
+    ShowError(application, kNotCompleted, {}, error);
+    return {};
+  }
 }
 
 std::optional<std::string> AskForSetupDirectory(wxWindow* parent, Application& application,

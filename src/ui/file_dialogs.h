@@ -23,8 +23,8 @@ namespace txs {
 // patterns match whatever the case, and "*.*" matches names without a dot too.
 [[nodiscard]] std::string HostFilter(std::string_view filter);
 
-// The open-file dialog. Empty when it was cancelled, and after message 1701 when more was chosen
-// than Windows could hand over. Never throws.
+// The open-file dialog. Empty when it was cancelled, after message 1701 when more was chosen than
+// Windows could hand over, and after message 1913 when there was no dialog. Never throws.
 [[nodiscard]] std::vector<std::string> AskForFiles(wxWindow* parent, Application& application,
                                                    const FileQuestion& question);
 

@@ -16,7 +16,7 @@ struct OpenFilesAnswer {
 };
 
 // `host_folder` is where the dialog opens; empty: where the system likes. The directory of the
-// question is not looked at.
+// question is not looked at. Throws RuntimeError when the system cannot show the dialog.
 [[nodiscard]] OpenFilesAnswer OpenFiles(wxWindow* parent, const FileQuestion& question,
                                         const std::string& host_folder);
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <string>
 
+#include "environment/runtime_error.h"
 #include "ui/chosen_files.h"
 #include "ui/file_dialogs.h"
 #include "ui/open_files.h"
@@ -24,6 +25,24 @@ std::wstring FilterParts(const std::string& filter) {
   return parts + L'\0';
 }
 
+// The dialog moves the current directory, whatever its flags say; nobody could delete that folder
+// while the program runs.
+class CurrentDirectoryKept {
+ public:
+  CurrentDirectoryKept() : path_(GetCurrentDirectoryW(0, nullptr), L'\0') {
+    const auto size = static_cast<DWORD>(path_.size());
+    if (GetCurrentDirectoryW(size, path_.data()) >= size) path_.clear();
+  }
+  ~CurrentDirectoryKept() {
+    if (!path_.empty()) SetCurrentDirectoryW(path_.c_str());
+  }
+  CurrentDirectoryKept(const CurrentDirectoryKept&) = delete;
+  CurrentDirectoryKept& operator=(const CurrentDirectoryKept&) = delete;
+
+ private:
+  std::wstring path_;
+};
+
 }  // namespace
 
 OpenFilesAnswer OpenFiles(wxWindow* parent, const FileQuestion& question,
@@ -40,13 +59,16 @@ OpenFilesAnswer OpenFiles(wxWindow* parent, const FileQuestion& question,
   dialog.nMaxFile = static_cast<DWORD>(buffer.size());
   dialog.lpstrInitialDir = folder.empty() ? nullptr : folder.c_str();
   dialog.lpstrTitle = title.c_str();
-  // The program's current directory stays what it is.
   dialog.Flags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR |
                  OFN_ENABLESIZING | (question.several ? OFN_ALLOWMULTISELECT : 0U);
   OpenFilesAnswer answer;
+  const CurrentDirectoryKept current_directory;
   if (GetOpenFileNameW(&dialog) == FALSE) {
-    answer.too_many = CommDlgExtendedError() == FNERR_BUFFERTOOSMALL;
-    return answer;
+    const DWORD error = CommDlgExtendedError();
+    answer.too_many = error == FNERR_BUFFERTOOSMALL;
+    if (error == 0 || answer.too_many) return answer;
+    throw RuntimeError(ErrorNumber::kInternal,
+                       "The file dialog of Windows failed with error " + std::to_string(error));
   }
   answer.host_paths = SplitChosenFiles(wxString(buffer).utf8_string());
   return answer;

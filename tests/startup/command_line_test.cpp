@@ -120,6 +120,24 @@ TEST(JoinArguments, PutsOneBlankBetween) {
   EXPECT_EQ(JoinArguments(0, argv.data()), "");
 }
 
+TEST(BehindProgramName, StandsWhatFollowsTheFirstBlankOutsideQuotes) {
+  EXPECT_EQ(BehindProgramName("wizard.exe /c=Demo"), "/c=Demo");
+  EXPECT_EQ(BehindProgramName("\"C:\\My Tools\\wizard.exe\" \t /c=Demo "), "/c=Demo ");
+  EXPECT_EQ(BehindProgramName("C:\\\"My Tools\"\\wizard.exe /c=Demo"), "/c=Demo");
+  EXPECT_EQ(BehindProgramName("\"C:\\My Tools\"\\wizard.exe\t\"Demo Süd\""), "\"Demo Süd\"");
+}
+
+TEST(BehindProgramName, IsNothingWhereThereIsNoMore) {
+  for (const char* line : {"", "wizard.exe", "wizard.exe  ", "\"C:\\My Tools\\wizard.exe\"",
+                           "\"C:\\My Tools\\wizard.exe /c=Demo"}) {
+    EXPECT_EQ(BehindProgramName(line), "") << line;
+  }
+}
+
+TEST(BehindProgramName, ALineThatBeginsWithABlankHasNoProgramName) {
+  EXPECT_EQ(BehindProgramName("  Demo"), "Demo");
+}
+
 TEST(UnquoteSwitch, RemovesTheQuotesAroundAWholeSwitch) {
   EXPECT_EQ(UnquoteSwitch("\"/c=C:\\Demo Süd\\Demo.txs\""), "/c=C:\\Demo Süd\\Demo.txs");
   EXPECT_EQ(UnquoteSwitch(" \"-C=Demo\" "), "-C=Demo");
