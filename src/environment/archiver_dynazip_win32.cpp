@@ -2,10 +2,14 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <exception>
 #include <new>
+#include <optional>
 #include <utility>
 
+#include "environment/code_page.h"
+#include "environment/code_page_win32.h"
 #include "environment/dynazip_record.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_calls_win32.h"
@@ -13,6 +17,9 @@
 
 namespace txs {
 namespace {
+
+// A 32-bit library from before ZIP64: what reaches the sign of its numbers is not given to it.
+constexpr std::uint64_t kTooLongBytes = std::uint64_t{1} << 31;
 
 using DzipFunction = int(__stdcall*)(void* record);
 
@@ -48,17 +55,19 @@ class DynaZipArchiver : public Archiver {
         built_in_(built_in) {}
 
   ArchiveResult Compress(std::string_view archive_path, std::string_view source_path) override {
+    reason_.clear();
+    // The source would be removed for the archive that it is taken for.
+    if (EqualNoCase(archive_path, source_path)) return ArchiveResult::kArchiveNotCreated;
     try {
       std::optional<std::vector<std::byte>> record = MakeDynaZipRecord(archive_path, source_path);
-      if (!record) return built_in_.Compress(archive_path, source_path);
+      if (!record || IsTooLong(source_path)) return CompressBuiltIn(archive_path, source_path);
       // The library would add to an archive that is there.
       if (files_.FileExists(archive_path)) files_.RemoveFile(archive_path);
       const auto result = ArchiveResult{pack_(record->data())};
-      if (result != ArchiveResult::kSuccess && files_.FileExists(archive_path)) {
-        files_.RemoveFile(archive_path);
-      }
+      if (result != ArchiveResult::kSuccess) RemoveLeftover(archive_path);
       return result;
-    } catch (const RuntimeError&) {
+    } catch (const RuntimeError& error) {
+      reason_ = error.Description();
       return ArchiveResult::kArchiveNotCreated;
     } catch (const std::bad_alloc&) {
       return ArchiveResult::kOutOfMemory;
@@ -67,11 +76,33 @@ class DynaZipArchiver : public Archiver {
     }
   }
 
+  [[nodiscard]] std::string FailureReason() const override { return reason_; }
+
  private:
+  [[nodiscard]] bool IsTooLong(std::string_view source_path) const {
+    const std::optional<FileStamp> stamp = files_.Stamp(source_path);
+    return stamp && stamp->length_bytes >= kTooLongBytes;
+  }
+
+  ArchiveResult CompressBuiltIn(std::string_view archive_path, std::string_view source_path) {
+    const ArchiveResult result = built_in_.Compress(archive_path, source_path);
+    reason_ = built_in_.FailureReason();
+    return result;
+  }
+
+  void RemoveLeftover(std::string_view archive_path) {
+    try {
+      if (files_.FileExists(archive_path)) files_.RemoveFile(archive_path);
+    } catch (const std::exception&) {
+      // The library's own code tells more.
+    }
+  }
+
   Library library_;
   DzipFunction pack_;
   FileSystem& files_;
   Archiver& built_in_;
+  std::string reason_;
 };
 
 class ProductArchiver : public Archiver {
@@ -88,11 +119,14 @@ class ProductArchiver : public Archiver {
         // The built-in archiver serves.
       }
     }
-    Archiver& archiver = library_ != nullptr ? *library_ : *built_in_;
-    return archiver.Compress(archive_path, source_path);
+    return Serving().Compress(archive_path, source_path);
   }
 
+  [[nodiscard]] std::string FailureReason() const override { return Serving().FailureReason(); }
+
  private:
+  [[nodiscard]] Archiver& Serving() const { return library_ != nullptr ? *library_ : *built_in_; }
+
   FileSystem& files_;
   const SystemTools& tools_;
   std::unique_ptr<Archiver> built_in_;
@@ -104,6 +138,9 @@ class ProductArchiver : public Archiver {
 
 std::unique_ptr<Archiver> LoadDynaZipArchiver(FileSystem& files, Archiver& built_in,
                                               const std::vector<std::string>& directories) {
+  // The library reads the paths of its record in the code page of the process, which then is not
+  // the one that we write.
+  if (!IsSingleByteCodePage(GetACP())) return nullptr;
   for (const std::string& directory : directories) {
     const std::string path = JoinPath(directory, kDynaZipLibrary);
     if (!files.FileExists(path)) continue;

@@ -12,9 +12,11 @@
 namespace txs {
 
 // The library in the first of `directories` that has one which this program can load (a 64-bit
-// program cannot load the 32-bit library of the product); null when there is none. The library's
-// result codes are answered as they are. What its record cannot hold (see dynazip_record.h) is
-// packed by `built_in`. `files` and `built_in` must outlive the archiver.
+// program cannot load the 32-bit library of the product); null when there is none, and where the
+// code page of the process is none of single bytes (the UTF-8 option of Windows 10). The library's
+// result codes are answered as they are. What its record cannot hold (see dynazip_record.h), and
+// files of 2 GiB and more, are packed by `built_in`. `files` and `built_in` must outlive the
+// archiver.
 [[nodiscard]] std::unique_ptr<Archiver> LoadDynaZipArchiver(
     FileSystem& files, Archiver& built_in, const std::vector<std::string>& directories);
 

@@ -37,10 +37,11 @@ LocalTime WindowsClock::ToLocal(FileTime time) const {
   const FILETIME file_time = {static_cast<DWORD>(since_1601), static_cast<DWORD>(since_1601 >> 32)};
   SYSTEMTIME utc = {};
   SYSTEMTIME local = {};
-  if (!FileTimeToSystemTime(&file_time, &utc) ||
-      !SystemTimeToTzSpecificLocalTime(nullptr, &utc, &local)) {
-    return {};
-  }
+  if (!FileTimeToSystemTime(&file_time, &utc)) return {};
+  // Summer time as it was that year; without a zone the system takes today's rule for all years.
+  TIME_ZONE_INFORMATION zone = {};
+  const bool is_known = GetTimeZoneInformationForYear(utc.wYear, nullptr, &zone) != 0;
+  if (!SystemTimeToTzSpecificLocalTime(is_known ? &zone : nullptr, &utc, &local)) return {};
   return {local.wYear, local.wMonth, local.wDay, local.wHour, local.wMinute, local.wSecond};
 }
 

@@ -4,6 +4,8 @@
 // from German and English Windows, whatever the system here is set to. On systems whose code page
 // is UTF-8 (an option of Windows 10) the one that the system's language had before is meant.
 
+#include "environment/code_page_win32.h"
+
 #include <windows.h>
 
 #include "environment/code_page_table.h"
@@ -13,18 +15,13 @@ namespace {
 
 constexpr UINT kWindows1252 = 1252;
 
-bool IsSingleByte(UINT code_page) {
-  CPINFO info = {};
-  return GetCPInfo(code_page, &info) && info.MaxCharSize == 1;
-}
-
 UINT AnsiCodePage() {
-  if (IsSingleByte(GetACP())) return GetACP();
+  if (IsSingleByteCodePage(GetACP())) return GetACP();
   DWORD of_language = 0;
   const int read = GetLocaleInfoEx(
       LOCALE_NAME_SYSTEM_DEFAULT, LOCALE_IDEFAULTANSICODEPAGE | LOCALE_RETURN_NUMBER,
       reinterpret_cast<wchar_t*>(&of_language), sizeof of_language / sizeof(wchar_t));
-  return read != 0 && IsSingleByte(of_language) ? of_language : kWindows1252;
+  return read != 0 && IsSingleByteCodePage(of_language) ? of_language : kWindows1252;
 }
 
 CodePageTable MakeTable() {
@@ -42,6 +39,11 @@ CodePageTable MakeTable() {
 }
 
 }  // namespace
+
+bool IsSingleByteCodePage(unsigned code_page) {
+  CPINFO info = {};
+  return GetCPInfo(code_page, &info) && info.MaxCharSize == 1;
+}
 
 const CodePageTable& SystemCodePage() {
   static const CodePageTable kTable = MakeTable();

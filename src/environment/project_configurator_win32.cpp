@@ -7,6 +7,7 @@
 
 #include <string>
 
+#include "environment/retry_pauses.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_calls_win32.h"
 
@@ -71,6 +72,19 @@ class Failure {
   EXCEPINFO info = {};
 };
 
+// Calls again what a component that is busy with something else refuses, for a bounded time.
+template <typename Call>
+HRESULT CallPatiently(const Call& call) {
+  RetryPauses pauses;
+  for (;;) {
+    const HRESULT result = call();
+    if (result != RPC_E_CALL_REJECTED && result != RPC_E_SERVERCALL_RETRYLATER) return result;
+    const auto pause = pauses.Next();
+    if (!pause) return result;
+    Sleep(static_cast<DWORD>(pause->count()));
+  }
+}
+
 [[noreturn]] void ThrowFailure(HRESULT result, Failure& failure, std::string_view project_file) {
   if (result != DISP_E_EXCEPTION) {
     ThrowAbout(kAutomationError, project_file, WordsOfWindowsError(static_cast<DWORD>(result)));
@@ -115,19 +129,24 @@ class ComConfigurator : public ProjectConfigurator {
     wchar_t method[] = L"OpenProject";
     wchar_t* methods[] = {method};
     DISPID id = 0;
-    if (FAILED(object_->GetIDsOfNames(IID_NULL, methods, 1, LOCALE_INVARIANT, &id))) {
+    Failure failure;
+    const HRESULT named = CallPatiently(
+        [&] { return object_->GetIDsOfNames(IID_NULL, methods, 1, LOCALE_USER_DEFAULT, &id); });
+    if (named == DISP_E_UNKNOWNNAME) {
       ThrowAbout(kNoSuchMethod, project_file, "the component has no method OpenProject");
     }
+    if (FAILED(named)) ThrowFailure(named, failure, project_file);
     const Text path(project_file);
     VARIANT argument = {};
     argument.vt = VT_BSTR;
     argument.bstrVal = path.Get();
     DISPPARAMS arguments = {&argument, nullptr, 1, 0};
     Value answer;
-    Failure failure;
-    const HRESULT called =
-        object_->Invoke(id, IID_NULL, LOCALE_INVARIANT, DISPATCH_METHOD | DISPATCH_PROPERTYGET,
-                        &arguments, &answer.value, &failure.info, nullptr);
+    const HRESULT called = CallPatiently([&] {
+      return object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT,
+                             DISPATCH_METHOD | DISPATCH_PROPERTYGET, &arguments, &answer.value,
+                             &failure.info, nullptr);
+    });
     if (FAILED(called)) ThrowFailure(called, failure, project_file);
     const HRESULT converted = VariantChangeTypeEx(&answer.value, &answer.value, LOCALE_INVARIANT,
                                                   VARIANT_NOUSEROVERRIDE, VT_BSTR);

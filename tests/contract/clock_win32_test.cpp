@@ -70,5 +70,17 @@ TEST(WindowsClockInBerlin, TheTimeZoneWithItsSummerTimeCounts) {
   EXPECT_EQ(clock.ToLocal(At(2026, 7, 15)), (LocalTime{2026, 7, 15, 2, 0, 0}));
 }
 
+// And once more with TZ on the east coast of America, where the rule changed in 2007.
+TEST(WindowsClockInNewYork, SummerTimeIsThatOfTheYear) {
+  TIME_ZONE_INFORMATION zone = {};
+  GetTimeZoneInformation(&zone);
+  ASSERT_EQ(zone.Bias, 300) << "run this one with TZ=America/New_York";
+  const WindowsClock clock;
+
+  EXPECT_EQ(clock.ToLocal(At(2006, 3, 20)), (LocalTime{2006, 3, 19, 19, 0, 0}));
+  EXPECT_EQ(clock.ToLocal(At(2006, 4, 20)), (LocalTime{2006, 4, 19, 20, 0, 0}));
+  EXPECT_EQ(clock.ToLocal(At(2008, 3, 20)), (LocalTime{2008, 3, 19, 20, 0, 0}));
+}
+
 }  // namespace
 }  // namespace txs

@@ -28,10 +28,29 @@ constexpr char kMark[] = "packed by the stand-in";
 class NotingArchiver : public Archiver {
  public:
   std::vector<std::string> sources;
+  ArchiveResult result = ArchiveResult::kSuccess;
+  std::string reason;
 
   ArchiveResult Compress(std::string_view, std::string_view source_path) override {
     sources.emplace_back(source_path);
-    return ArchiveResult::kSuccess;
+    return result;
+  }
+
+  [[nodiscard]] std::string FailureReason() const override { return reason; }
+};
+
+// Where files are as long as wanted, and none can be removed.
+class StrangeFiles : public WindowsFileSystem {
+ public:
+  std::uint64_t length_bytes = 0;
+
+  [[nodiscard]] std::optional<FileStamp> Stamp(std::string_view path) const override {
+    std::optional<FileStamp> stamp = WindowsFileSystem::Stamp(path);
+    if (stamp) stamp->length_bytes = length_bytes;
+    return stamp;
+  }
+  void RemoveFile(std::string_view path) override {
+    ThrowAbout(ErrorNumber::kPermissionDenied, path, "in use");
   }
 };
 
@@ -100,6 +119,69 @@ TEST_F(DynaZipTest, WhatTheRecordCannotHoldIsPackedByTheBuiltInArchiver) {
   EXPECT_EQ(archiver->Compress(At("a.zip"), "C:\\\xC4\x8C.dll"), ArchiveResult::kSuccess);
 
   EXPECT_EQ(built_in.sources, (std::vector<std::string>{long_path, "C:\\\xC4\x8C.dll"}));
+}
+
+TEST_F(DynaZipTest, FilesFrom2GiBAreTooLongForTheLibrary) {
+  StrangeFiles strange;
+  const auto archiver = LoadDynaZipArchiver(strange, built_in, {StandInFolder()});
+  ASSERT_NE(archiver, nullptr);
+
+  strange.length_bytes = (std::uint64_t{1} << 31) - 1;
+  EXPECT_EQ(archiver->Compress(At("a.zip"), At("Grün.dll")), ArchiveResult::kSuccess);
+  EXPECT_TRUE(built_in.sources.empty());
+
+  strange.length_bytes = std::uint64_t{1} << 31;
+  EXPECT_EQ(archiver->Compress(At("b.zip"), At("Grün.dll")), ArchiveResult::kSuccess);
+  EXPECT_EQ(built_in.sources, std::vector<std::string>{At("Grün.dll")});
+}
+
+TEST_F(DynaZipTest, TheSourceIsNeverTakenForTheArchive) {
+  const auto archiver = LoadDynaZipArchiver(files, built_in, {StandInFolder()});
+  ASSERT_NE(archiver, nullptr);
+
+  EXPECT_EQ(archiver->Compress(At("GRÜN.DLL"), At("Grün.dll")), ArchiveResult::kArchiveNotCreated);
+
+  EXPECT_EQ(files.ReadWhole(At("Grün.dll")), "contents");
+}
+
+TEST_F(DynaZipTest, ItsResultCodeIsAnsweredAlsoWhenHalfAnArchiveCannotBeRemoved) {
+  StrangeFiles strange;
+  const auto archiver = LoadDynaZipArchiver(strange, built_in, {StandInFolder()});
+  ASSERT_NE(archiver, nullptr);
+  SetEnvironmentVariableW(L"TXS_DZIP_RESULT", L"21");
+
+  EXPECT_EQ(archiver->Compress(At("a.zip"), At("Grün.dll")), ArchiveResult{21});
+
+  EXPECT_TRUE(files.FileExists(At("a.zip")));
+}
+
+TEST_F(DynaZipTest, WhyItFailedIsSaidUntilTheNextSuccess) {
+  StrangeFiles strange;
+  const auto archiver = LoadDynaZipArchiver(strange, built_in, {StandInFolder()});
+  ASSERT_NE(archiver, nullptr);
+  files.ReplaceWhole(At("a.zip"), "old");
+
+  EXPECT_EQ(archiver->Compress(At("a.zip"), At("Grün.dll")), ArchiveResult::kArchiveNotCreated);
+  EXPECT_EQ(archiver->FailureReason(), At("a.zip") + ": in use");
+
+  EXPECT_EQ(archiver->Compress(At("b.zip"), At("Grün.dll")), ArchiveResult::kSuccess);
+  EXPECT_EQ(archiver->FailureReason(), "");
+}
+
+TEST_F(DynaZipTest, WhyTheBuiltInArchiverFailedIsSaidWhetherOrNotThereIsALibrary) {
+  built_in.result = ArchiveResult::kDiskFull;
+  built_in.reason = "C:\\a.zip: full";
+  const auto library = LoadDynaZipArchiver(files, built_in, {StandInFolder()});
+  ASSERT_NE(library, nullptr);
+  MemoryPlatform world;
+  world.tools.Initialize({.directory = At("none"), .executable_name = "w", .title = "t"});
+  const auto product =
+      MakeProductArchiver(files, world.tools, std::make_unique<NotingArchiver>(built_in));
+
+  EXPECT_EQ(library->Compress(At("a.zip"), "C:\\\xC4\x8C.dll"), ArchiveResult::kDiskFull);
+  EXPECT_EQ(library->FailureReason(), "C:\\a.zip: full");
+  EXPECT_EQ(product->Compress(At("a.zip"), At("Grün.dll")), ArchiveResult::kDiskFull);
+  EXPECT_EQ(product->FailureReason(), "C:\\a.zip: full");
 }
 
 TEST_F(DynaZipTest, WhatIsNoLibraryOrLacksTheFunctionIsPassedOver) {

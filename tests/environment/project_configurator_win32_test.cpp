@@ -34,6 +34,7 @@ class Component : public IDispatch, public IClassFactory {
   std::wstring method = L"OpenProject";
   Behaviour behaviour;
   HRESULT creation = S_OK;
+  HRESULT naming = S_OK;
   int alive = 0;
 
   // --- IUnknown, for both.
@@ -67,6 +68,7 @@ class Component : public IDispatch, public IClassFactory {
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID,
                                           DISPID* id) override {
+    if (FAILED(naming)) return naming;
     if (method != names[0]) return DISP_E_UNKNOWNNAME;
     *id = 7;
     return S_OK;
@@ -187,6 +189,31 @@ TEST_F(ComConfiguratorTest, AComponentWithoutTheMethodIsNamed) {
   component.method = L"Close";
 
   EXPECT_EQ(Failure().first, ErrorNumber{438});
+}
+
+TEST_F(ComConfiguratorTest, AComponentThatIsGoneIsNotSaidToLackTheMethod) {
+  component.naming = RPC_E_DISCONNECTED;
+
+  const auto [number, words] = Failure();
+
+  EXPECT_EQ(number, ErrorNumber{440});
+  EXPECT_THAT(words, HasSubstr(WordsOfWindowsError(static_cast<DWORD>(RPC_E_DISCONNECTED))));
+}
+
+TEST_F(ComConfiguratorTest, AComponentThatIsBusyIsAskedAgainForABoundedTime) {
+  int refusals = 2;
+  int calls = 0;
+  component.behaviour = [&](const std::wstring&, VARIANT* answer, EXCEPINFO*) -> HRESULT {
+    if (++calls <= refusals) return calls % 2 ? RPC_E_CALL_REJECTED : RPC_E_SERVERCALL_RETRYLATER;
+    answer->vt = VT_BSTR;
+    answer->bstrVal = SysAllocString(L"4.0");
+    return S_OK;
+  };
+
+  EXPECT_EQ(MakeComConfigurator(kClassName, files)->OpenProject(kProject), "4.0");
+  EXPECT_EQ(calls, 3);
+  refusals = 1'000'000;
+  EXPECT_EQ(Failure().first, ErrorNumber{440});
 }
 
 TEST_F(ComConfiguratorTest, WhatCannotBeCreatedIsNull) {

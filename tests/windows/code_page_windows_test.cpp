@@ -9,6 +9,7 @@
 
 #include "environment/code_page.h"
 #include "environment/code_page_table.h"
+#include "environment/code_page_win32.h"
 #include "environment/windows_calls_win32.h"
 
 namespace txs {
@@ -34,6 +35,13 @@ bool SystemFindsEqual(wchar_t left, wchar_t right) {
 // How the file system compares names.
 bool FileSystemFindsEqual(wchar_t left, wchar_t right) {
   return CompareStringOrdinal(&left, 1, &right, 1, TRUE) == CSTR_EQUAL;
+}
+
+TEST(CodePageOnWindows, Utf8AndThoseOfEastAsiaAreNoneOfSingleBytes) {
+  for (const UINT code_page : kSingleByteCodePages) EXPECT_TRUE(IsSingleByteCodePage(code_page));
+  for (const UINT code_page : {932U, 936U, 949U, 950U, 65001U}) {
+    EXPECT_FALSE(IsSingleByteCodePage(code_page)) << code_page;
+  }
 }
 
 TEST(CodePageOnWindows, EveryByteGoesThroughItsCharacterAndBack) {
