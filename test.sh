@@ -5,7 +5,7 @@
 #   ./test.sh             preset ci: everything, with the windows
 #   ./test.sh sanitize    the tests under the address and undefined-behaviour sanitizers, and how
 #                         much of src/ without the windows they run
-#   ./test.sh sanitize-gui    the windows and their tests under the same sanitizers
+#   ./test.sh sanitize-gui    the forms and their tests under the same sanitizers
 #   ./test.sh core        without wxWidgets
 #   ./test.sh windows     the Windows programs: cross-built for x86 and x64, the tests of the latter
 #                         under Wine; the first time it also builds their libraries
