@@ -71,8 +71,9 @@ cmake --preset "$configured" -D TXS_WARNINGS_AS_ERRORS=ON -D TXS_COVERAGE=$cover
 }
 case $preset in
   analysis) ;;
-  windows-x64 | sanitize-gui) cmake --build --preset "$preset" ;;
-  *) cmake --build --preset "$preset" --target all all_verify_interface_header_sets ;;
+  # The headers are the same for every preset; the everyday one looks at them.
+  ci) cmake --build --preset "$preset" --target all all_verify_interface_header_sets ;;
+  *) cmake --build --preset "$preset" ;;
 esac
 
 checks=
