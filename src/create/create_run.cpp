@@ -183,13 +183,18 @@ void RemoveOldDisks(Application& application, const std::string& output_director
   for (const std::string& disk : old_disks) files.RemoveTree(disk);
 }
 
-// Before anything is deleted: ~TEMP is emptied first.
+// ~TEMP is emptied first and removed in the end.
+void RefuseOutputInTemporaryDirectory(const Application& application, const CreateState& state) {
+  DoomedFolders(application.platform.files, {application.project.TemporaryDirectory()})
+      .Spare(state.output_directory, state.output_directory);
+}
+
+// Before anything is deleted.
 bool ChooseOutputDirectory(Application& application, CreateState& state) {
   const std::string no_subject;
   return AtWorkBorder(application, kMessageOutputDirectory, no_subject, [&] {
     state.output_directory = ResolveOutputDirectory(application);
-    DoomedFolders(application.platform.files, {application.project.TemporaryDirectory()})
-        .Spare(state.output_directory, state.output_directory);
+    RefuseOutputInTemporaryDirectory(application, state);
     return true;
   });
 }
@@ -201,6 +206,8 @@ bool MakeOutputDirectory(Application& application, CreateState& state) {
     const std::string_view separator = state.output_directory.back() == '\\' ? "" : "\\";
     state.first_disk_directory.append(state.output_directory).append(separator).append("DISK1");
     application.platform.files.MakeFolder(state.first_disk_directory);
+    // Once more: only now that both are there is every name of theirs known.
+    RefuseOutputInTemporaryDirectory(application, state);
     return true;
   });
 }

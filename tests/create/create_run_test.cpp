@@ -450,6 +450,15 @@ TEST_F(CreateRun, AnOutputDirectoryInTheTemporaryDirectoryIsRefusedBeforeItIsEmp
   EXPECT_TRUE(world_.files.Has("C:\\Demo\\~TEMP\\Setup\\DISK1\\old.zip"));
 }
 
+// Else the run would end well and take the installation away with ~TEMP.
+TEST_F(CreateRun, AnOutputDirectoryInATemporaryDirectoryThatIsStillToBeMadeIsRefusedToo) {
+  document_.steps.setup_directory = "<ProjectDir>\\New\\..\\~TEMP\\Setup";
+
+  EXPECT_FALSE(world_.Run().succeeded);
+
+  EXPECT_THAT(world_.messages.Ids(), ElementsAre(906));
+}
+
 TEST_F(CreateRun, ASourceWithABackslashAtItsEndIsTheFileInTheScriptToo) {
   world_.files.AddFile("C:\\Demo\\a.txt", "listed");
   document_.files.Append("<ProjectDir>\\a.txt\\", "<ProjectDir>", "");
