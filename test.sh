@@ -97,6 +97,7 @@ format_check() {
 
 if [ "$preset" = analysis ]; then
   run_check cppcheck tools/cppcheck.sh "$build/cppcheck"
+  run_check clang-tidy tools/clang_tidy.py "$build"
   reports=build/analysis/test-reports
   mkdir -p "$reports"
   # shellcheck disable=SC2086 # one word per check

@@ -31,7 +31,7 @@ inline constexpr char kApplicationTitle[] = "TavixStudio - Setup Wizard";
 class Utf8Console {
  public:
   Utf8Console();
-  ~Utf8Console();
+  ~Utf8Console();  // NOLINT(performance-trivially-destructible): it does something on Windows
   Utf8Console(const Utf8Console&) = delete;
   Utf8Console& operator=(const Utf8Console&) = delete;
 

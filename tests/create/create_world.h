@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +14,7 @@
 #include "document/path_variables.h"
 #include "environment/windows_path.h"
 #include "fakes/memory_platform.h"
+#include "fakes/noise.h"
 #include "fakes/recording_create_view.h"
 #include "fakes/recording_messages.h"
 
@@ -24,14 +24,6 @@ inline FileTime Noon(int year, unsigned month, unsigned day) {
   return std::chrono::sys_days(std::chrono::year(year) / static_cast<int>(month) /
                                static_cast<int>(day)) +
          std::chrono::hours(12);
-}
-
-// Bytes that no archiver shrinks, the same for the same seed.
-inline std::string Noise(std::size_t size, std::uint32_t seed = 1) {
-  std::mt19937 random(seed);
-  std::string bytes(size, '\0');
-  for (char& byte : bytes) byte = static_cast<char>(random());
-  return bytes;
 }
 
 inline constexpr char kOutput[] = "C:\\Demo\\Setup";

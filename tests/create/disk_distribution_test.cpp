@@ -520,7 +520,7 @@ TEST_F(DiskDistribution, CancelBetweenFilesLeavesWhatWasPlaced) {
 TEST_F(DiskDistribution, AHundredDisksAreLabelledUpToTheLast) {
   state_.medium_bytes = 10 * kKibi;
   state_.reserved_bytes = 0;
-  AddArchive("big.zip", 101 * 10 * kKibi - 3);
+  AddArchive("big.zip", 1010 * kKibi - 3);
 
   EXPECT_TRUE(Distribute());
 

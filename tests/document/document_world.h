@@ -12,22 +12,12 @@
 #include "document/path_variables.h"
 #include "environment/code_page.h"
 #include "fakes/memory_platform.h"
+#include "fakes/recording_messages.h"
 
 namespace txs {
 
 inline constexpr char kSettingsPath[] = "C:\\Demo\\Demo.swz";
 inline constexpr char kStudioProjectPath[] = "C:\\Demo\\Demo.txs";
-
-// Notes the messages that routines show.
-class RecordingMessages : public MessageService {
- public:
-  std::vector<Message> shown;
-
-  MessageResult Show(const Message& message) override {
-    shown.push_back(message);
-    return MessageResult::kOk;
-  }
-};
 
 class DocumentWorld {
  public:

@@ -15,6 +15,7 @@
 #include "environment/archiver_builtin.h"
 #include "environment/runtime_error.h"
 #include "fakes/memory_file_system.h"
+#include "fakes/noise.h"
 
 namespace txs {
 
@@ -25,13 +26,6 @@ inline std::string Repeating(std::size_t size) {
   std::string bytes;
   while (bytes.size() < size) bytes += "The quick brown fox. " + std::to_string(bytes.size() % 97);
   bytes.resize(size);
-  return bytes;
-}
-
-inline std::string Noise(std::size_t size, unsigned seed) {
-  std::mt19937 random(seed);
-  std::string bytes(size, '\0');
-  for (char& byte : bytes) byte = static_cast<char>(random());
   return bytes;
 }
 

@@ -192,7 +192,8 @@ TEST(DeflateBlocks, WhatInflatesAfterDamageHasTheSameEnd) {
   for (int round = 0; round < 20'000; ++round) {
     std::string packed = round % 2 == 0 ? Deflated(Content(random, 300), 5)
                                         : DeflatedWithFixedCodes(Content(random, 300));
-    packed[random() % packed.size()] ^= static_cast<char>(1 << random() % 8);
+    char& damaged = packed[random() % packed.size()];
+    damaged = static_cast<char>(damaged ^ 1 << random() % 8);
 
     const std::optional<LastDeflateBlock> last = FindLastDeflateBlock(Bytes(packed));
     const Inflated inflated = Inflate(packed, 100'000);

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "fakes/memory_platform.h"
+#include "fakes/noise.h"
 
 namespace txs {
 
@@ -24,17 +25,6 @@ inline std::string DemoSettings() {
          "01=<ProjectDir>\\Demo.exe,<ProjectDir>,0\r\n"
          "02=<ProjectDir>\\Trend.ocx,<WinSysDir>,1\r\n"
          "03=<ProjectDir>\\leer.txt,<UserDir1>,0\r\n";
-}
-
-// Bytes that deflate cannot shrink, the same on every call.
-inline std::string Noise(std::size_t size, unsigned seed) {
-  std::string bytes(size, '\0');
-  unsigned state = seed;
-  for (char& byte : bytes) {
-    state = state * 1664525U + 1013904223U;
-    byte = static_cast<char>(state >> 24);
-  }
-  return bytes;
 }
 
 // Installs the studio and the project "Demo" in C:\Projects\Demo, registered as `directory` says.

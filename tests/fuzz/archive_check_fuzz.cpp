@@ -123,7 +123,7 @@ Faults CheckInPieces(std::string_view archive, std::size_t count,
   return faults;
 }
 
-void Run(std::string_view input) {
+void FuzzArchiveCheck(std::string_view input) {
   if (input.empty()) return;
   const std::size_t count = 1 + static_cast<unsigned char>(input[0]) % 7;
   const std::string_view archive = input.substr(1);
@@ -157,6 +157,6 @@ void Run(std::string_view input) {
 }  // namespace txs::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  txs::fuzz::Run(txs::fuzz::AsText(data, size));
+  txs::fuzz::FuzzArchiveCheck(txs::fuzz::AsText(data, size));
   return 0;
 }

@@ -95,7 +95,7 @@ void CheckSearch(std::string_view what, std::string_view text) {
   Require(EqualNoCase(text.substr(found, length), what), "what is found is what was looked for");
 }
 
-void Run(std::string_view input) {
+void FuzzCodePage(std::string_view input) {
   const std::vector<std::string_view> parts = Parts(input, 2);
   const Allocations allocations;
   for (const std::string_view text : parts) {
@@ -112,6 +112,6 @@ void Run(std::string_view input) {
 }  // namespace txs::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  txs::fuzz::Run(txs::fuzz::AsText(data, size));
+  txs::fuzz::FuzzCodePage(txs::fuzz::AsText(data, size));
   return 0;
 }

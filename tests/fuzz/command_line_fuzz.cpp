@@ -22,7 +22,7 @@ std::string Joined(std::string_view input) {
   return JoinArguments(static_cast<int>(pointers.size()), pointers.data());
 }
 
-void Run(std::string_view input) {
+void FuzzCommandLine(std::string_view input) {
   const Allocations allocations;
   const std::string line = Joined(input);
   const CommandLine command = ParseCommandLine(line);
@@ -74,6 +74,6 @@ void Run(std::string_view input) {
 }  // namespace txs::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  txs::fuzz::Run(txs::fuzz::AsText(data, size));
+  txs::fuzz::FuzzCommandLine(txs::fuzz::AsText(data, size));
   return 0;
 }

@@ -42,7 +42,7 @@ void CheckEntries(std::string_view bytes) {
   }
 }
 
-void Run(std::string_view input) {
+void FuzzDependencyFiles(std::string_view input) {
   const std::vector<std::string_view> parts = Parts(input, 4);
   CheckEntries(parts[0].substr(0, 8192));
 
@@ -69,6 +69,6 @@ void Run(std::string_view input) {
 }  // namespace txs::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  txs::fuzz::Run(txs::fuzz::AsText(data, size));
+  txs::fuzz::FuzzDependencyFiles(txs::fuzz::AsText(data, size));
   return 0;
 }

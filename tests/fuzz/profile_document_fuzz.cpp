@@ -180,7 +180,7 @@ void RemoveSection(ProfileDocument& document, std::string_view section) {
   Require(written.size() <= bytes.size(), "removing a section adds nothing");
 }
 
-void Run(std::string_view input) {
+void FuzzProfileDocument(std::string_view input) {
   std::vector<std::string_view> parts = Parts(input, kMostChanges + 1);
   const std::string_view file = parts.front();
 
@@ -217,6 +217,6 @@ void Run(std::string_view input) {
 }  // namespace txs::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  txs::fuzz::Run(txs::fuzz::AsText(data, size));
+  txs::fuzz::FuzzProfileDocument(txs::fuzz::AsText(data, size));
   return 0;
 }

@@ -126,7 +126,7 @@ void RemoveKey(RegistryFile& file, std::string_view key, const Names& keys, cons
   }
 }
 
-void Run(std::string_view input) {
+void FuzzRegistryFile(std::string_view input) {
   const std::vector<std::string_view> parts = Parts(input, kMostChanges + 1);
   const std::string_view bytes = parts.front();
 
@@ -179,6 +179,6 @@ void Run(std::string_view input) {
 }  // namespace txs::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  txs::fuzz::Run(txs::fuzz::AsText(data, size));
+  txs::fuzz::FuzzRegistryFile(txs::fuzz::AsText(data, size));
   return 0;
 }

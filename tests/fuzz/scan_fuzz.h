@@ -33,10 +33,10 @@ class ScanFuzzWorld : public ScanWorld {
 
     allocations.RequireAtMost(input_bytes + 64, 20000, "a Scan takes work as what it reads");
     Require(files.diary.size() <= 2000 + input_bytes * 8, "a Scan asks the disk as it reads");
-    static const std::set<std::string> reading = {
+    static const std::set<std::string> kReading = {
         "FileExists", "FolderExists", "Stamp", "OpenForReading", "Read", "Seek", "List", "Drives"};
     for (const auto& [operation, path] : files.diary) {
-      Require(reading.contains(operation), "a Scan writes nothing");
+      Require(kReading.contains(operation), "a Scan writes nothing");
     }
     Require(files.AllFiles().size() == files_before, "a Scan leaves the files as they are");
     CheckRows();

@@ -60,7 +60,7 @@ bool IsUnreadable(std::string_view file) {
   return file.starts_with("\xFE\xFF") || file.find('\0') != std::string_view::npos;
 }
 
-void Run(std::string_view input) {
+void FuzzSettingsFile(std::string_view input) {
   const std::vector<std::string_view> parts = Parts(input, 2);
   World world;
   MemoryFileSystem& files = world.platform.files;
@@ -114,6 +114,6 @@ void Run(std::string_view input) {
 }  // namespace txs::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  txs::fuzz::Run(txs::fuzz::AsText(data, size));
+  txs::fuzz::FuzzSettingsFile(txs::fuzz::AsText(data, size));
   return 0;
 }

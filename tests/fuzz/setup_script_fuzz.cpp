@@ -37,7 +37,7 @@ void CheckInstalls(const SetupScript& script) {
   }
 }
 
-void Run(std::string_view bytes) {
+void FuzzSetupScript(std::string_view bytes) {
   const Allocations allocations;
   const SetupScript script = ParseSetupScript(bytes);
   allocations.RequireAtMost(bytes.size() + 64 * script.faults.size(), 24,
@@ -66,6 +66,6 @@ void Run(std::string_view bytes) {
 }  // namespace txs::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  txs::fuzz::Run(txs::fuzz::AsText(data, size));
+  txs::fuzz::FuzzSetupScript(txs::fuzz::AsText(data, size));
   return 0;
 }

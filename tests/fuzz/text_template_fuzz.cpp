@@ -44,7 +44,7 @@ std::string ExpandByTheWord(std::string_view text, const std::vector<std::string
   return result;
 }
 
-void Run(std::string_view input) {
+void FuzzTextTemplate(std::string_view input) {
   const std::vector<std::string_view> parts = Parts(input, kMostParameters + 1);
   const std::string_view text = parts.front();
   const std::vector<std::string> parameters(parts.begin() + 1, parts.end());
@@ -78,6 +78,6 @@ void Run(std::string_view input) {
 }  // namespace txs::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  txs::fuzz::Run(txs::fuzz::AsText(data, size));
+  txs::fuzz::FuzzTextTemplate(txs::fuzz::AsText(data, size));
   return 0;
 }

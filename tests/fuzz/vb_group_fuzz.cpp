@@ -14,7 +14,7 @@
 namespace txs::fuzz {
 namespace {
 
-void Run(std::string_view input) {
+void FuzzVbGroup(std::string_view input) {
   const std::vector<std::string_view> parts = Parts(input, 4);
   constexpr const char* kMembers[] = {"C:\\Demo\\A.vbp", "C:\\Demo\\B.vbp", "C:\\Demo\\Sub\\C.vbp"};
   ScanFuzzWorld world;
@@ -40,6 +40,6 @@ void Run(std::string_view input) {
 }  // namespace txs::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  txs::fuzz::Run(txs::fuzz::AsText(data, size));
+  txs::fuzz::FuzzVbGroup(txs::fuzz::AsText(data, size));
   return 0;
 }

@@ -19,7 +19,7 @@ std::vector<std::string> Scan(std::string_view project, bool use_runtime_setup) 
   return OutcomeOf(world, result);
 }
 
-void Run(std::string_view project) {
+void FuzzVbProject(std::string_view project) {
   const std::vector<std::string> outcome = Scan(project, /*use_runtime_setup=*/false);
 
   static_cast<void>(Scan(project, /*use_runtime_setup=*/true));
@@ -42,6 +42,6 @@ void Run(std::string_view project) {
 }  // namespace txs::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  txs::fuzz::Run(txs::fuzz::AsText(data, size));
+  txs::fuzz::FuzzVbProject(txs::fuzz::AsText(data, size));
   return 0;
 }

@@ -129,7 +129,7 @@ class WatchedDisk : public FileReader {
   mutable std::size_t opened_ = 0;
 };
 
-void Run(std::string_view input) {
+void FuzzVerifyInstallation(std::string_view input) {
   const WatchedDisk disk(input);
 
   const Allocations allocations;
@@ -156,6 +156,6 @@ void Run(std::string_view input) {
 }  // namespace txs::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  txs::fuzz::Run(txs::fuzz::AsText(data, size));
+  txs::fuzz::FuzzVerifyInstallation(txs::fuzz::AsText(data, size));
   return 0;
 }

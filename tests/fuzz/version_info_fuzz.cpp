@@ -45,7 +45,7 @@ std::string VersionOf(std::string_view image) {
   return version;
 }
 
-void Run(std::string_view image) {
+void FuzzVersionInfo(std::string_view image) {
   const Allocations allocations;
   const std::string version = VersionOf(image);
   allocations.RequireAtMost(image.size(), 20, "a version takes memory as the file's length");
@@ -61,6 +61,6 @@ void Run(std::string_view image) {
 }  // namespace txs::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  txs::fuzz::Run(txs::fuzz::AsText(data, size));
+  txs::fuzz::FuzzVersionInfo(txs::fuzz::AsText(data, size));
   return 0;
 }

@@ -122,7 +122,7 @@ void CheckSeries(std::string_view text) {
   Require(next.size() - text.size() <= 1, "counting up adds one digit at most");
 }
 
-void Run(std::string_view input) {
+void FuzzWindowsPath(std::string_view input) {
   const std::vector<std::string_view> parts = Parts(input, 2 + kMostVariables);
   const std::string_view path = parts[0];
   const std::string_view other = parts.size() > 1 ? parts[1] : parts[0];
@@ -138,6 +138,6 @@ void Run(std::string_view input) {
 }  // namespace txs::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  txs::fuzz::Run(txs::fuzz::AsText(data, size));
+  txs::fuzz::FuzzWindowsPath(txs::fuzz::AsText(data, size));
   return 0;
 }

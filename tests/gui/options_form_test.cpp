@@ -263,7 +263,7 @@ TEST(FOptions, ControlCCopiesTheValueOfTheSelectedVariable) {
   wxTextDataObject copied;
   EXPECT_TRUE(WaitFor([&] {
     const wxClipboardLocker clipboard;
-    return wxTheClipboard->GetData(copied) && copied.GetText() != "";
+    return wxTheClipboard->GetData(copied) && !copied.GetText().empty();
   }));
   EXPECT_EQ(copied.GetText(), "C:\\Projects\\Demo & Test");
 }

@@ -392,10 +392,10 @@ TEST(FProjectOpen, ADirectoryThatItsColumnCutsOffIsShownAsATip) {
   const int middle = list.GetColumnWidth(0) + list.GetColumnWidth(1) / 2;
 
   ClickAt(list.ClientToScreen(wxPoint(middle, at.y + at.height / 2)));
-  const bool shown = WaitFor([&] { return list.GetToolTipText() != ""; });
+  const bool shown = WaitFor([&] { return !list.GetToolTipText().empty(); });
   const wxString tip = list.GetToolTipText();
   ClickAt(OnRow(list, 1));
-  const bool gone = WaitFor([&] { return list.GetToolTipText() == ""; });
+  const bool gone = WaitFor([&] { return list.GetToolTipText().empty(); });
 
   EXPECT_TRUE(shown);
   EXPECT_EQ(tip, "C:\\Projects\\Halle 2\\Kessel");

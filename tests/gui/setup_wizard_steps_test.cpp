@@ -6,6 +6,7 @@
 #include <fstream>
 #include <string>
 
+#include "fakes/noise.h"
 #include "fakes/temp_folder.h"
 #include "gui/main_form_support.h"
 #include "ui/step_controls.h"

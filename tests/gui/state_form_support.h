@@ -35,7 +35,8 @@ inline bool Shows(const wxStaticBitmap& control, const wxBitmapBundle& picture) 
   if (!control.IsShown()) return false;
   const wxImage shown = control.GetBitmap().ConvertToImage();
   const wxImage wanted = picture.GetBitmapFor(&control).ConvertToImage();
-  const auto bytes = static_cast<std::size_t>(3 * wanted.GetWidth() * wanted.GetHeight());
+  const auto bytes = std::size_t{3} * static_cast<unsigned>(wanted.GetWidth()) *
+                     static_cast<unsigned>(wanted.GetHeight());
   return shown.GetSize() == wanted.GetSize() &&
          std::equal(shown.GetData(), shown.GetData() + bytes, wanted.GetData());
 }
@@ -50,7 +51,8 @@ inline std::string Pixels(const wxWindow& window) {
   memory.Blit(wxPoint(0, 0), at.GetSize(), &screen, at.GetPosition());
   memory.SelectObject(wxNullBitmap);
   const wxImage image = picture.ConvertToImage();
-  const auto bytes = static_cast<std::size_t>(3 * at.GetWidth() * at.GetHeight());
+  const auto bytes =
+      std::size_t{3} * static_cast<unsigned>(at.GetWidth()) * static_cast<unsigned>(at.GetHeight());
   return {reinterpret_cast<const char*>(image.GetData()), bytes};
 }
 

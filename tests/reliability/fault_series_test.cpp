@@ -24,6 +24,7 @@
 #include "environment/code_page.h"
 #include "environment/installation.h"
 #include "fakes/memory_platform.h"
+#include "fakes/noise.h"
 #include "fakes/recording_create_view.h"
 #include "fakes/recording_messages.h"
 #include "fakes/scripted_setup_wizard_view.h"
@@ -50,17 +51,6 @@ constexpr char kOldSettings[] =
     "02=<WinSysDir>\\Trend.ocx,<WinSysDir>,1\r\n"
     "03=<ProjectDir>\\leer.txt,<UserDir1>,0\r\n"
     "[HiddenFile]\r\n01=<ProjectDir>\\hidden.dat,<ProjectDir>,0\r\n";
-
-// Bytes that deflate cannot shrink.
-std::string Noise(std::size_t size) {
-  std::string bytes(size, '\0');
-  std::uint32_t state = 1;
-  for (char& byte : bytes) {
-    state = state * 1664525U + 1013904223U;
-    byte = static_cast<char>(state >> 24);
-  }
-  return bytes;
-}
 
 // A studio with a Visual Basic project on diskettes: the setup kit leaves so little room on the
 // first one that an archive is split. A second project.

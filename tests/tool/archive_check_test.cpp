@@ -10,6 +10,7 @@
 #include "environment/archiver_builtin.h"
 #include "fakes/demo_project.h"
 #include "fakes/memory_platform.h"
+#include "fakes/noise.h"
 
 namespace txs {
 namespace {

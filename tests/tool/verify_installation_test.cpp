@@ -9,6 +9,7 @@
 #include "create/create_run.h"
 #include "fakes/demo_project.h"
 #include "fakes/memory_platform.h"
+#include "fakes/noise.h"
 #include "startup/start_routine.h"
 
 namespace txs {

@@ -11,9 +11,9 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 // Zeros and all, and what an earlier answer left behind the end.
-template <std::size_t size>
-std::string Buffer(const char (&text)[size]) {
-  return std::string(text, size) + std::string("left over\0", 10);
+template <std::size_t Size>
+std::string Buffer(const char (&text)[Size]) {
+  return std::string(text, Size) + std::string("left over\0", 10);
 }
 
 TEST(SplitChosenFiles, TakesASinglePathAsItIs) {
