@@ -9,7 +9,7 @@
 #   ./test.sh core        without wxWidgets
 #   ./test.sh windows     the Windows programs: cross-built for x86 and x64, the tests of the latter
 #                         under Wine; the first time it also builds their libraries
-#   ./test.sh analysis    cppcheck over the sources; builds nothing
+#   ./test.sh analysis    cppcheck and clang-tidy over the sources; builds nothing
 set -eu
 cd "$(dirname "$0")"
 

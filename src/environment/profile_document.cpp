@@ -133,6 +133,8 @@ ProfileDocument::ProfileDocument(std::string_view bytes) {
     begin = end + line_end_length;
   }
   finish_section(in_head);
+  // A new line that ends in CR alone would make one line end with a blank line that is just an LF.
+  if (line_end_ == "\r" && bytes.find('\n') != std::string_view::npos) line_end_ = "\r\n";
 }
 
 void ProfileDocument::ReadEntry(Line& line, std::size_t length) {

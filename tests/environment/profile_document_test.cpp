@@ -155,6 +155,14 @@ TEST(ProfileDocument, AllKindsOfLineEndsAreReadAndKept) {
   EXPECT_EQ(document.Bytes(), bytes);
 }
 
+TEST(ProfileDocument, ANewLineInAFileOfMixedLineEndsSwallowsNoBlankLine) {
+  ProfileDocument document("[a]\r[d]\rG\r\n\n[e]\n");
+
+  document.Set("d", "k", "v");
+
+  EXPECT_EQ(document.Bytes(), "[a]\r[d]\rG\r\nk=v\r\n\n[e]\n");
+}
+
 TEST(ProfileDocument, TheLastLineNeedsNoLineEnd) {
   const ProfileDocument document("[one]\r\na=1\r\nb=2");
 

@@ -38,11 +38,25 @@ struct Entry {
   std::size_t data_offset = 0;
 };
 
-std::optional<Entry> ReadEntry(std::string_view archive) {
-  const std::size_t at = archive.rfind("PK\x01\x02");
-  if (at == std::string_view::npos || archive.size() - at < 46 || archive.size() < 30) {
-    return std::nullopt;
+// The last header of a directory that the end of the archive follows: its signature alone may stand
+// anywhere, in the fields of the header, too.
+std::size_t FindHeader(std::string_view archive) {
+  constexpr std::size_t kHeaderBytes = 46;
+  std::size_t at = archive.rfind("PK\x01\x02");
+  for (; at != std::string_view::npos && at > 0; at = archive.rfind("PK\x01\x02", at - 1)) {
+    if (archive.size() - at < kHeaderBytes) continue;
+    const auto length = kHeaderBytes + static_cast<std::size_t>(Number(archive, at + 28, 2) +
+                                                                Number(archive, at + 30, 2) +
+                                                                Number(archive, at + 32, 2));
+    const std::string_view behind = archive.substr(std::min(at + length, archive.size()), 4);
+    if (behind == "PK\x05\x06" || behind == "PK\x06\x06") return at;
   }
+  return std::string_view::npos;
+}
+
+std::optional<Entry> ReadEntry(std::string_view archive) {
+  const std::size_t at = FindHeader(archive);
+  if (at == std::string_view::npos || archive.size() < 30) return std::nullopt;
   Entry entry;
   entry.method = static_cast<unsigned>(Number(archive, at + 10, 2));
   entry.crc = Number(archive, at + 16, 4);
