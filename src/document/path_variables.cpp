@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "environment/code_page.h"
+#include "environment/full_path.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
 
@@ -63,9 +64,10 @@ void ReplaceName(std::string& text, const PathVariable& variable, std::size_t lo
 }  // namespace
 
 std::string AsVariableValue(std::string_view directory) {
-  const std::size_t last = directory.find_last_not_of('\\');
-  // Nothing else than backslashes names no place; an empty value would match every directory.
-  return std::string(last == std::string_view::npos ? directory : directory.substr(0, last + 1));
+  std::string tidy = FullPath(directory);
+  tidy.erase(tidy.find_last_not_of('\\') + 1);
+  // Nothing but backslashes and dots names no place; an empty value would match every directory.
+  return tidy.empty() ? std::string(directory) : tidy;
 }
 
 PathVariableList BuildPathVariables(const InstallationSettings& installation,
@@ -97,9 +99,10 @@ std::string ToVariableForm(const PathVariableList& variables, std::string_view p
   if (form != VariableForm::kWholePath && form != VariableForm::kDirectoryOnly) return {};
 
   std::string directory = ParentFolder(path);
-  const PathVariable* const variable = FirstMatch(variables, directory);
+  std::string tidy = AsVariableValue(directory);
+  const PathVariable* const variable = FirstMatch(variables, tidy);
   if (variable != nullptr) {
-    directory.replace(0, variable->value.size(), variable->name);
+    directory = std::move(tidy.replace(0, variable->value.size(), variable->name));
   } else if (form == VariableForm::kDirectoryOnly) {
     directory = kWinSysDir;
   }

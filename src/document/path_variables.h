@@ -18,8 +18,9 @@ struct PathVariable {
   bool operator==(const PathVariable&) const = default;
 };
 
-// How the list holds a directory: without the trailing backslashes with which the studio registers
-// projects. A path is compared as its directory without one, and names are followed by "\".
+// How the list holds a directory: as FullPath spells it, since it is compared with such paths, and
+// without the trailing backslashes with which the studio registers projects, since names are
+// followed by "\". "C:/Demo\\." gives "C:\Demo".
 [[nodiscard]] std::string AsVariableValue(std::string_view directory);
 
 // In list order; the order matters, since conversion to variable form takes the first match.
@@ -39,8 +40,9 @@ enum class VariableForm {
 void SetPathVariable(PathVariableList& variables, std::string_view name, std::string_view value);
 
 // Replaces the directory prefix of `path` by the first variable whose value it begins with,
-// compared without regard to case. Kept on purpose: no longest match, no check that the match ends
-// at a backslash, and an empty value matches every directory.
+// compared without regard to case, its directory as AsVariableValue spells it. Kept on purpose: no
+// longest match, no check that the match ends at a backslash, and an empty value matches every
+// directory.
 [[nodiscard]] std::string ToVariableForm(const PathVariableList& variables, std::string_view path,
                                          VariableForm form);
 

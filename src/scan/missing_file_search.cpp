@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "environment/code_page.h"
+#include "environment/full_path.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
-#include "scan/full_path.h"
 
 namespace txs {
 namespace {

@@ -5,10 +5,10 @@
 
 #include "document/work_border.h"
 #include "environment/code_page.h"
+#include "environment/full_path.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
 #include "scan/dependency_resolution.h"
-#include "scan/full_path.h"
 #include "scan/scan_session.h"
 #include "scan/studio_project_scan.h"
 #include "scan/vb_project_reader.h"

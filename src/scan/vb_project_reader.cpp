@@ -8,10 +8,10 @@
 
 #include "document/work_border.h"
 #include "environment/code_page.h"
+#include "environment/full_path.h"
 #include "environment/project_type.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
-#include "scan/full_path.h"
 #include "scan/scan_captions.h"
 #include "scan/type_libraries.h"
 

@@ -1,8 +1,8 @@
 #include "scan/visual_basic.h"
 
 #include "environment/code_page.h"
+#include "environment/full_path.h"
 #include "environment/windows_path.h"
-#include "scan/full_path.h"
 
 namespace txs {
 namespace {

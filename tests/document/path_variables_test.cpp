@@ -194,6 +194,27 @@ TEST(PathVariables, HoldDirectoriesWithoutTheirTrailingBackslashes) {
   }
 }
 
+// Builds are called with "/" and with doubled backslashes; a Scan tidies what it finds.
+TEST(PathVariables, KnowTheFilesOfADirectoryHoweverItIsSpelled) {
+  MemoryPlatform memory;
+  InstallationSettings installation;
+  installation.main_directory = "C:\\TavixStudio";
+  installation.studio_directory = installation.main_directory;
+  installation.common_directory = "C:\\TavixStudio\\Common";
+  for (const char* spelling : {"C:/Projects/Demo", "C:\\Projects\\\\Demo",
+                               "C:\\Projects\\.\\Demo\\", "C:\\Projects\\Other\\..\\Demo"}) {
+    const PathVariableList variables = BuildPathVariables(installation, memory.tools, spelling);
+
+    EXPECT_EQ(ToVariableForm(variables, "C:\\Projects\\Demo\\x.dll", VariableForm::kDirectoryOnly),
+              "<ProjectDir>")
+        << spelling;
+    EXPECT_EQ(
+        ToVariableForm(variables, std::string(spelling) + "\\Setup", VariableForm::kWholePath),
+        "<ProjectDir>\\Setup")
+        << spelling;
+  }
+}
+
 TEST(PathVariables, KnowAProjectInTheRootOfADrive) {
   MemoryPlatform memory;
 
@@ -208,6 +229,7 @@ TEST(PathVariables, ValueOfBackslashesOnlyDoesNotMatchEveryDirectory) {
   PathVariableList variables;
 
   SetPathVariable(variables, "<UserDir1>", "\\");
+  SetPathVariable(variables, "<UserDir2>", ".");
 
   EXPECT_EQ(ToVariableForm(variables, "C:\\x.dll", VariableForm::kWholePath), "C:\\x.dll");
 }

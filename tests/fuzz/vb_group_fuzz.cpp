@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "environment/full_path.h"
 #include "environment/windows_path.h"
 #include "fuzz/scan_fuzz.h"
-#include "scan/full_path.h"
 
 namespace txs::fuzz {
 namespace {

@@ -11,9 +11,9 @@
 #include "document/path_variables.h"
 #include "document/trailing_number.h"
 #include "environment/code_page.h"
+#include "environment/full_path.h"
 #include "environment/windows_path.h"
 #include "fuzz/fuzz_support.h"
-#include "scan/full_path.h"
 #include "tool/setup_script.h"
 
 namespace txs::fuzz {

@@ -5,7 +5,7 @@
 
 #include <random>
 
-#include "scan/full_path.h"
+#include "environment/full_path.h"
 #include "scan/scan_world.h"
 
 namespace txs {

@@ -1,4 +1,4 @@
-#include "scan/full_path.h"
+#include "environment/full_path.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,5 +1,4 @@
-// One spelling for every path that a Scan comes across, so that a file is listed once however it
-// was named.
+// One spelling for every path that is compared, so that a file is listed once however it was named.
 #pragma once
 
 #include <string>
