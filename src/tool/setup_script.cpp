@@ -40,6 +40,8 @@ constexpr std::array kCommands = {
     CommandForm{"CreateShellLink", 3, 3},
 };
 
+constexpr std::array<std::string_view, 4> kBareCommands = {"CheckDiskSpace", "Exit", "If", "EndIf"};
+
 struct ParameterForm {
   std::string_view name;
   int count;
@@ -103,19 +105,58 @@ std::string Quoted(std::string_view text) {
   return quoted + (end < text.size() ? "...\"" : "\"");
 }
 
-// Whether the engine may have a command of this name. Dependency files bring lines of their own, so
-// this is no closed list; but what is a known name but for one letter, or for case, was damaged.
-bool MayBeCommand(std::string_view name) {
+// Whether two folded texts are alike but for one byte or none, as after a flipped bit.
+bool AlikeButForOneByte(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  std::size_t different = 0;
+  for (std::size_t i = 0; i < a.size() && different <= 1; ++i) different += a[i] != b[i] ? 1 : 0;
+  return different <= 1;
+}
+
+bool IsWord(std::string_view text) {
   const auto is_letter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
-  if (name.empty() || !std::all_of(name.begin(), name.end(), is_letter)) return false;
+  return !text.empty() && std::all_of(text.begin(), text.end(), is_letter);
+}
+
+// Whether the engine may have a command of this name. Dependency files bring lines of their own, so
+// this is no closed list; but what is a known name but for one letter, or for case, or the
+// beginning of one, was damaged.
+bool MayBeCommand(std::string_view name) {
+  if (!IsWord(name)) return false;
   const std::string folded = FoldCase(name);
-  return std::none_of(kCommands.begin(), kCommands.end(), [&folded](const CommandForm& known) {
-    if (known.name.size() != folded.size()) return false;
-    const std::string known_folded = FoldCase(known.name);
-    std::size_t different = 0;
-    for (std::size_t i = 0; i < folded.size(); ++i) different += folded[i] != known_folded[i];
-    return different <= 1;
-  });
+  const auto may_have_been = [&folded](std::string_view known) {
+    const std::string known_folded = FoldCase(known);
+    return AlikeButForOneByte(folded, known_folded) || known_folded.starts_with(folded);
+  };
+  return std::none_of(kCommands.begin(), kCommands.end(),
+                      [&](const CommandForm& known) { return may_have_been(known.name); }) &&
+         std::none_of(kBareCommands.begin(), kBareCommands.end(), may_have_been);
+}
+
+// "IsEqual(a|b)", or a condition of a dependency file's own: a word and what stands in parentheses.
+bool MayBeCondition(std::string_view condition) {
+  constexpr std::string_view kIsEqual = "IsEqual";
+  const std::size_t parenthesis = condition.find('(');
+  if (parenthesis == std::string_view::npos) return false;
+  const std::string_view name = condition.substr(0, parenthesis);
+  std::size_t open = 0;
+  for (std::size_t i = parenthesis; i < condition.size(); ++i) {
+    if (condition[i] == '(') ++open;
+    if (condition[i] == ')') --open;
+    if (open > 0) continue;
+    if (i + 1 < condition.size()) return false;
+    if (name == kIsEqual) return condition.find('|') != std::string_view::npos;
+    return IsWord(name) && !AlikeButForOneByte(FoldCase(name), FoldCase(kIsEqual));
+  }
+  return false;
+}
+
+// The number of a user directory that the path begins with, "2" of "<UserDir2>\x.dll", or nothing.
+std::string_view UserDirectoryNumber(std::string_view path) {
+  constexpr std::string_view kBegin = "<UserDir";
+  if (!EqualNoCase(path.substr(0, kBegin.size()), kBegin)) return {};
+  const std::string_view number = path.substr(kBegin.size(), path.find('>') - kBegin.size());
+  return Digits(number) ? number : std::string_view();
 }
 
 // Whether a directory in the path is "..", or what Windows takes for it or for nothing: blanks and
@@ -151,12 +192,13 @@ class Parser {
       }
       bytes.remove_prefix(std::min(end + 1, bytes.size()));
     }
+    if (script_.faults.size() < kMostFaults) CheckWhole();
+    // One line may have several faults, and so may the whole.
     if (script_.faults.size() >= kMostFaults) {
+      script_.faults.resize(kMostFaults);
       line_ = 0;
       Fault("too many faults; the rest of the script was not read");
-      return;
     }
-    CheckWhole();
   }
 
  private:
@@ -215,6 +257,7 @@ class Parser {
     }
     const std::size_t parenthesis = line.find('(');
     const std::string_view name = line.substr(0, parenthesis);
+    if (parenthesis == std::string_view::npos && MayBeCommand(name)) return;
     if (parenthesis == std::string_view::npos || line.back() != ')') {
       Fault("no command: " + Quoted(line));
       return;
@@ -243,21 +286,23 @@ class Parser {
     if (name == "RegInProc" || name == "RegOutProc") {
       registrations_.push_back({line_, std::string(arguments[0])});
     }
+    if (name == "SetVar") variables_.insert(FoldCase(arguments[0]));
   }
 
   void TakeIf(std::string_view condition) {
-    constexpr std::string_view kIsEqual = "IsEqual(";
     ++open_ifs_;
-    const bool sound = condition.starts_with(kIsEqual) && condition.ends_with(')') &&
-                       condition.find('|') != std::string_view::npos;
-    if (!sound) Fault("no condition: " + Quoted(condition));
+    if (!MayBeCondition(condition)) Fault("no condition: " + Quoted(condition));
   }
 
   // What even a line that cannot be carried out tells, so that one fault does not draw others.
   void NoteInstallFile(const std::vector<std::string_view>& arguments) {
     ++script_.install_lines;
     if (IsPlainFileName(arguments[0])) script_.archives_named.emplace_back(arguments[0]);
-    if (arguments.size() > 1) targets_.insert(FoldCase(arguments[1]));
+    if (arguments.size() > 1) {
+      targets_.insert(FoldCase(arguments[1]));
+      const std::string_view number = UserDirectoryNumber(arguments[1]);
+      if (!number.empty()) user_directories_.try_emplace(std::string(number), line_);
+    }
   }
 
   void TakeInstallFile(const std::vector<std::string_view>& arguments) {
@@ -305,9 +350,11 @@ class Parser {
   }
 
   void CheckWhole() {
-    for (const auto& [line, target] : registrations_) {
-      if (targets_.contains(FoldCase(target))) continue;
-      script_.faults.push_back({line, "registers " + Quoted(target) + ", which no line installs"});
+    CheckRegistrations();
+    for (const auto& [number, line] : user_directories_) {
+      if (variables_.contains(FoldCase("UserDir" + number))) continue;
+      script_.faults.push_back(
+          {line, "installs into <UserDir" + number + ">, which no SetVar sets"});
     }
     if (max_bytes_ && lengths_known_ && *max_bytes_ != total_bytes_) {
       script_.faults.push_back({max_bytes_line_, "MaxBytes is " + std::to_string(*max_bytes_) +
@@ -326,6 +373,23 @@ class Parser {
     if (open_ifs_ > 0) Fault("If without EndIf");
   }
 
+  // Dependency files may have components registered that are on the target computer already; one
+  // that nearly is what a line installs was damaged.
+  void CheckRegistrations() {
+    // Each costs a look at all targets; a damaged script has a few.
+    std::size_t left = 20;
+    for (const auto& [line, target] : registrations_) {
+      const std::string folded = FoldCase(target);
+      if (targets_.contains(folded)) continue;
+      if (left-- == 0) return;
+      const bool damaged = std::any_of(
+          targets_.begin(), targets_.end(),
+          [&](const std::string& installed) { return AlikeButForOneByte(installed, folded); });
+      if (!damaged) continue;
+      script_.faults.push_back({line, "registers " + Quoted(target) + ", which no line installs"});
+    }
+  }
+
   SetupScript& script_;
   std::size_t line_ = 0;
   Section section_ = Section::kNone;
@@ -335,8 +399,11 @@ class Parser {
   std::uint64_t total_bytes_ = 0;
   bool lengths_known_ = true;
   std::size_t open_ifs_ = 0;
-  std::unordered_set<std::string> archives_;  // folded
-  std::unordered_set<std::string> targets_;   // folded
+  std::unordered_set<std::string> archives_;   // folded
+  std::unordered_set<std::string> targets_;    // folded
+  std::unordered_set<std::string> variables_;  // folded
+  // Number as written, and the first line that installs into it.
+  std::unordered_map<std::string, std::size_t> user_directories_;
   std::vector<std::pair<std::size_t, std::string>> registrations_;
 };
 

@@ -114,9 +114,8 @@ INSTANTIATE_TEST_SUITE_P(
         FaultyCommand{"DeleteFileOfTwo", "DeleteFile(a|b)"},
         FaultyCommand{"ExecFileOfOne", "ExecFile(a)"},
         FaultyCommand{"CreateShellLinkOfTwo", "CreateShellLink(a|b)"},
-        FaultyCommand{"EndIfAlone", "EndIf"},
-        FaultyCommand{"RegisteredButNotInstalled", "RegInProc(<ProjectDir>\\x.dll)"},
-        FaultyCommand{"RegisteredOutOfProcess", "RegOutProc(<ProjectDir>\\x.exe)"},
+        FaultyCommand{"EndIfAlone", "EndIf"}, FaultyCommand{"CutOffCommand", "InstallF"},
+        FaultyCommand{"BareCommandFlipped", "Exiu"}, FaultyCommand{"BareFigures", "12"},
         FaultyCommand{"InstallWithoutDisk", "InstallFile(x.zip|T\\x|0|20.02.2004||2|0)"},
         FaultyCommand{"InstallOnDisk0", "InstallFile(x.zip|T\\x|0|20.02.2004||2|0|0)"},
         FaultyCommand{"DisksOutOfOrder", "InstallFile(x.zip|T\\x|0|20.02.2004||2|0|2|1)"},
@@ -186,7 +185,47 @@ TEST(SetupScript, OpenIfIsAFault) {
 }
 
 TEST(SetupScript, ConditionThatIsNoneIsAFault) {
-  EXPECT_THAT(FaultLines(ScriptWith("If(<Language>)\r\nEndIf\r\n")), ElementsAre(kFirstCommand));
+  for (const char* condition :
+       {"<Language>", "", "IsEqual(<Language>)", "IsEqual(a|b", "IsEqual(a|b))", "(a|b)",
+        "isEqual(a|b)", "IsEquam(a|b)", "Is\x01(a)", "Exists(a)b"}) {
+    EXPECT_THAT(FaultLines(ScriptWith("If(" + std::string(condition) + ")\r\nEndIf\r\n")),
+                ElementsAre(kFirstCommand))
+        << condition;
+  }
+}
+
+TEST(SetupScript, ConditionThatOnlyADependencyFileKnowsIsNoFault) {
+  EXPECT_THAT(FaultLines(ScriptWith("If(FileExists(<WinSysDir>\\x (1).dll))\r\nReboot\r\nEndIf\r\n"
+                                    "If(IsEqual(ReadRegistry(a|b|c)|2))\r\nEndIf\r\n")),
+              IsEmpty());
+}
+
+// Of a component that is on every target computer, or that a predefined setup brings along.
+TEST(SetupScript, RegistrationOfWhatIsInstalledOtherwiseIsNoFault) {
+  EXPECT_THAT(FaultLines(ScriptWith(
+                  "InstallFile(x.zip|<ProjectDir>\\x.dll|0|20.02.2004||2|0|1)\r\n"
+                  "RegInProc(<WinSysDir>\\comcat.dll)\r\nRegOutProc(<WinSysDir>\\dcom.exe)\r\n")),
+              IsEmpty());
+}
+
+TEST(SetupScript, RegistrationThatIsNearlyWhatALineInstallsIsAFault) {
+  for (const char* registration :
+       {"RegInProc(<ProjectDir>\\y.dll)", "RegOutProc(<PrnjectDir>\\X.dll)"}) {
+    EXPECT_THAT(
+        FaultLines(ScriptWith("InstallFile(x.zip|<ProjectDir>\\x.dll|0|20.02.2004||2|0|1)\r\n" +
+                              std::string(registration) + "\r\n")),
+        ElementsAre(kFirstCommand + 1))
+        << registration;
+  }
+}
+
+TEST(SetupScript, UserDirectoryThatNoLineSetsIsAFaultOfTheFirstFileInIt) {
+  EXPECT_THAT(FaultLines(ScriptWith("SetVar(UserDir1|D:\\Data)\r\n"
+                                    "InstallFile(a.zip|<USERDIR1>\\a|0|20.02.2004||2|0|1)\r\n"
+                                    "InstallFile(b.zip|<UserDir2>\\b|0|20.02.2004||2|0|1)\r\n"
+                                    "InstallFile(c.zip|<UserDir2>\\c|0|20.02.2004||2|0|1)\r\n"
+                                    "InstallFile(d.zip|<UserDir>\\d|0|20.02.2004||2|0|1)\r\n")),
+              ElementsAre(kFirstCommand + 2));
 }
 
 TEST(SetupScript, LineThatIsCutOffIsAFault) {
@@ -196,11 +235,22 @@ TEST(SetupScript, LineThatIsCutOffIsAFault) {
 
 TEST(SetupScript, StopsAfterTenThousandFaults) {
   std::string garbage;
-  for (int i = 0; i < 20000; ++i) garbage += "x\r\n";
+  for (int i = 0; i < 20000; ++i) garbage += "?\r\n";
 
   const SetupScript script = ParseSetupScript(ScriptWith(garbage));
 
   EXPECT_EQ(script.faults.size(), 10001u);
+}
+
+TEST(SetupScript, TenThousandFaultsAreTheMostHoweverManyTheLastLineAndTheWholeHave) {
+  std::string garbage;
+  for (int i = 0; i < 9'999; ++i) garbage += "?\r\n";
+
+  const SetupScript script = ParseSetupScript("[Params]\r\n[ToDo]\r\n" + garbage);
+
+  ASSERT_EQ(script.faults.size(), 10'001u);
+  EXPECT_EQ(script.faults.back().line, 0u);
+  EXPECT_THAT(script.faults.back().what, testing::StartsWith("too many faults"));
 }
 
 // A line may be nothing but separators; the target setup_script of the fuzzer counts what it costs.
