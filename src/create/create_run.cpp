@@ -252,7 +252,7 @@ CreateResult Run(Application& application, CreateView& view) {
   CreateResult result;
   if (!ProgramIsKnown(application)) return result;
   // Two runs would empty ~TEMP and the disks under each other's hands.
-  const std::unique_ptr<HeldLock> lock = LockProject(application);
+  std::unique_ptr<HeldLock> lock = LockProject(application);
   if (lock == nullptr) return result;
   view.Begin();
   CreateState state;
@@ -264,6 +264,8 @@ CreateResult Run(Application& application, CreateView& view) {
   result.disks = state.disks_used;
   result.files = application.document.AllRows().size();
   result.archive_bytes = state.archive_bytes;
+  // The note may stand on the screen over night; nobody works in the directory then.
+  lock.reset();
   view.End(result.succeeded, application.texts.GetText(result.succeeded ? kTextDone : kTextFailed));
   if (!application.unattended) view.ShowTakeNote();
   return result;
@@ -314,7 +316,8 @@ std::optional<CreatePlan> Plan(Application& application, CreateView& view) {
   state.medium_bytes = MediumSizeBytes(application.document.steps.disk_size_index);
   std::optional<CreatePlan> plan;
   if (Prepare(application) && RunStage(view, CreateStage::kDirectories, [&] {
-        return !CancelledMeanwhile(view) && MakeTemporaryDirectory(application, state);
+        return !CancelledMeanwhile(view) && ChooseOutputDirectory(application, state) &&
+               MakeTemporaryDirectory(application, state);
       })) {
     plan = MeasureAndPlan(application, view, state);
   }

@@ -789,6 +789,19 @@ TEST_F(CreateRun, HoldsTheLockFromItsBeginningToItsEnd) {
   EXPECT_FALSE(world_.platform.locks.IsHeld("C:\\Demo\\~TXSetup.lock"));
 }
 
+// The note may stand on the screen over night, and a build server's run must not wait for it.
+TEST_F(CreateRun, HoldsNoLockWhileTheTakeNoteDialogIsShown) {
+  world_.application.unattended = false;
+  std::optional<bool> held;
+  world_.view.on_take_note = [&] {
+    held = world_.platform.locks.IsHeld("C:\\Demo\\~TXSetup.lock");
+  };
+
+  ASSERT_TRUE(world_.Run().succeeded);
+
+  EXPECT_EQ(held, false);
+}
+
 TEST_F(CreateRun, NeedsNoLocksWhereThereAreNone) {
   world_.platform.locks.available = false;
 
@@ -816,6 +829,18 @@ TEST_F(CreateRun, APlanSaysWhereEveryFileWouldGoAndTouchesNoOutput) {
   EXPECT_THAT(Names(world_.Output()), ElementsAre("DISK1\\old.zip"));
   EXPECT_FALSE(world_.files.Has(kTemporary));
   EXPECT_THAT(world_.messages.shown, IsEmpty());
+}
+
+TEST_F(CreateRun, APlanRefusesTheOutputDirectoriesThatTheRunWouldRefuse) {
+  world_.files.AddFile("C:\\Demo\\~TEMP\\Setup\\DISK1\\old.zip", "of an earlier run");
+  for (const char* directory : {"<ProjectDir>\\~TEMP\\Setup", "Setup"}) {
+    document_.steps.setup_directory = directory;
+
+    EXPECT_FALSE(PlanCreate(world_.application, world_.view).has_value()) << directory;
+  }
+
+  EXPECT_THAT(world_.messages.Ids(), ElementsAre(906, 906));
+  EXPECT_TRUE(world_.files.Has("C:\\Demo\\~TEMP\\Setup\\DISK1\\old.zip"));
 }
 
 TEST_F(CreateRun, APlanIsWhatTheRunThenDoes) {

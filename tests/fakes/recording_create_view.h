@@ -35,6 +35,7 @@ class RecordingCreateView : public CreateView {
 
   // Called whenever events run; may call PressCancel, as a user would.
   std::function<void(RecordingCreateView&)> on_events;
+  std::function<void()> on_take_note;
 
   void PressCancel() { cancel_pressed_ = true; }
 
@@ -85,6 +86,7 @@ class RecordingCreateView : public CreateView {
   void ShowTakeNote() override {
     ++take_notes;
     diary.emplace_back("take note");
+    if (on_take_note) on_take_note();
   }
 
  private:
