@@ -259,8 +259,4 @@ bool DistributeOnDisks(Application& application, CreateView& view, CreateState& 
   });
 }
 
-std::string DiskDirectory(const std::string& first_disk_directory, std::uint64_t number) {
-  return JoinPath(ParentFolder(first_disk_directory), "DISK" + std::to_string(number));
-}
-
 }  // namespace txs

@@ -58,8 +58,4 @@ struct DistributionPlan {
 [[nodiscard]] bool DistributeOnDisks(Application& application, CreateView& view,
                                      CreateState& state);
 
-// Directory of disk `number` beside the first ("...\DISK1" gives "...\DISK2").
-[[nodiscard]] std::string DiskDirectory(const std::string& first_disk_directory,
-                                        std::uint64_t number);
-
 }  // namespace txs

@@ -4,8 +4,10 @@
 #include <array>
 #include <cstdint>
 #include <cstdio>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <vector>
 
@@ -23,6 +25,7 @@ namespace {
 constexpr long kTextWriting = 426;
 constexpr long kMessageControlFile = 904;
 constexpr long kMessageFirstDiskTooFull = 1932;
+constexpr long kMessageUserDirectoryAstray = 1934;
 constexpr char kScriptName[] = "SETUP.STP";
 
 constexpr std::string_view kWriteVendorValue =
@@ -224,6 +227,46 @@ class ScriptWriter {
   std::string text_;
 };
 
+// The user directories that rows have as destinations and that the script does not set, or sets to
+// another directory, since it numbers them anew: "<UserDir2>, <UserDir3>", or nothing.
+std::string UserDirectoriesAstray(SetupDocument& document) {
+  constexpr std::string_view kBegin = "<UserDir";
+  const auto name = [&](std::size_t number) {
+    return FoldCase(std::string(kBegin) + std::to_string(number) + ">");
+  };
+  const std::vector<UserDirectory>& directories = document.steps.user_directories;
+  std::map<std::string, std::string> meant;
+  for (const UserDirectory& directory : directories) {
+    meant.emplace(name(static_cast<std::size_t>(directory.number)), directory.directory);
+  }
+  std::map<std::string, std::string> in_script;
+  for (std::size_t i = 0; i < directories.size(); ++i) {
+    in_script.emplace(name(i + 1), directories[i].directory);
+  }
+
+  std::set<std::string> seen;
+  std::string astray;
+  for (const FileRow* row : document.AllRows()) {
+    const std::string_view destination = row->destination;
+    const std::size_t end = destination.find('>');
+    if (end == std::string_view::npos ||
+        !EqualNoCase(destination.substr(0, kBegin.size()), kBegin)) {
+      continue;
+    }
+    const std::string_view variable = destination.substr(0, end + 1);
+    const std::string folded = FoldCase(variable);
+    if (!seen.insert(folded).second) continue;
+    const auto as_meant = meant.find(folded);
+    const auto as_written = in_script.find(folded);
+    if (as_meant != meant.end() && as_written != in_script.end() &&
+        as_meant->second == as_written->second) {
+      continue;
+    }
+    astray.append(astray.empty() ? "" : ", ").append(variable);
+  }
+  return astray;
+}
+
 }  // namespace
 
 std::string SetupControlText(Application& application) { return ScriptWriter(application).Write(); }
@@ -250,6 +293,10 @@ bool WriteSetupControlFile(Application& application, CreateView& view, const Cre
   const std::uint64_t room = kScriptPlaceholderBytes + state.first_disk_free_bytes;
   if (script_bytes > room) {
     ShowWarning(application, kMessageFirstDiskTooFull, {std::to_string(script_bytes - room)});
+  }
+  if (written) {
+    const std::string astray = UserDirectoriesAstray(application.document);
+    if (!astray.empty()) ShowWarning(application, kMessageUserDirectoryAstray, {astray});
   }
   return written;
 }

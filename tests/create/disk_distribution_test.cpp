@@ -239,12 +239,6 @@ TEST(DiskPlan, TellsWhatIsLeftOnDisk1AndNothingOnceThereIsAnother) {
   EXPECT_EQ(PlanDistribution({60 * kKibi, 1}, medium, reserved).first_disk_free_bytes, 0u);
 }
 
-TEST(DiskDirectories, TheyStandBesideTheFirst) {
-  EXPECT_EQ(DiskDirectory("C:\\Out\\DISK1", 1), "C:\\Out\\DISK1");
-  EXPECT_EQ(DiskDirectory("C:\\Out\\DISK1", 12), "C:\\Out\\DISK12");
-  EXPECT_EQ(DiskDirectory("C:\\DISK1", 2), "C:\\DISK2");
-}
-
 // --- The stage
 
 class DiskDistribution : public testing::Test {
@@ -268,14 +262,19 @@ class DiskDistribution : public testing::Test {
   [[nodiscard]] std::string Disk(std::size_t row) const {
     return world_.application.document.files.Row(row).disk;
   }
+  // "...\\DISK1" is the first.
+  [[nodiscard]] std::string PathOnDisk(std::uint64_t disk, const std::string& name) const {
+    return ParentFolder(state_.first_disk_directory) + "\\DISK" + std::to_string(disk) + "\\" +
+           name;
+  }
   [[nodiscard]] std::string OnDisk(std::uint64_t disk, const std::string& name) const {
-    return world_.files.Contents(DiskDirectory(state_.first_disk_directory, disk) + "\\" + name);
+    return world_.files.Contents(PathOnDisk(disk, name));
   }
   // All pieces of an archive in the order of the disks.
   [[nodiscard]] std::string Joined(const std::string& name) const {
     std::string bytes;
     for (std::uint64_t disk = 1; disk <= state_.disks_used; ++disk) {
-      const std::string path = DiskDirectory(state_.first_disk_directory, disk) + "\\" + name;
+      const std::string path = PathOnDisk(disk, name);
       if (world_.files.Has(path)) bytes += world_.files.Contents(path);
     }
     return bytes;

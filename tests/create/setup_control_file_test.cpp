@@ -538,6 +538,32 @@ TEST_F(SetupControlFile, AScriptThatOverfillsDisk1IsWrittenWholeAndMessage1932Sa
             "7 bytes more than the medium!\r\nSelect a larger medium format!");
 }
 
+// The script numbers them in their order, whatever was deleted before them.
+TEST_F(SetupControlFile, FilesOfUserDirectoriesBehindAGapAreMessage1934) {
+  steps_.user_directories = {{1, "D:\\Eins"}, {3, "D:\\Drei"}};
+  world_.Add("C:\\Demo\\a.txt", "a", "<UserDir1>\\Sub");
+  world_.Add("C:\\Demo\\b.txt", "b", "<UserDir3>");
+  world_.Add("C:\\Demo\\c.txt", "c", "<UserDir2>");
+  world_.Add("C:\\Demo\\d.txt", "d", "<USERDIR2>\\Sub");
+
+  EXPECT_TRUE(Write());
+
+  ASSERT_EQ(world_.messages.shown.size(), 1u);
+  EXPECT_THAT(world_.messages.shown[0].prompt,
+              StartsWith("On the target computer, files with the destination directory <UserDir3>, "
+                         "<UserDir2> will not get where they belong!\r\n"));
+}
+
+TEST_F(SetupControlFile, UserDirectoriesWithoutAGapAreNothingToMention) {
+  steps_.user_directories = {{1, "D:\\Eins"}, {2, "D:\\Zwei"}};
+  world_.Add("C:\\Demo\\a.txt", "a", "<userdir2>\\Sub");
+  world_.Add("C:\\Demo\\b.txt", "b", "<ProjectDir>");
+
+  EXPECT_TRUE(Write());
+
+  EXPECT_THAT(world_.messages.shown, IsEmpty());
+}
+
 TEST_F(SetupControlFile, ACharacterThatTheCodePageLacksLeavesThePlaceholder) {
   steps_.info.german[0] = "Čapek";
 
