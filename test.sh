@@ -110,6 +110,7 @@ fi
 if [ "$preset" = ci ]; then
   run_check arrows tools/check_arrows.sh
   run_check arrows-self-test tools/check_arrows.sh --self-test
+  run_check source-lists tools/check_source_lists.sh
   run_check words tools/check_words.sh
   run_check format format_check
   run_check package tests/package/deb_test.sh "$build"
