@@ -1,5 +1,6 @@
 #include "projects/project_registry.h"
 
+#include <algorithm>
 #include <unordered_set>
 #include <utility>
 
@@ -21,10 +22,29 @@ std::string ProjectFile(const RegisteredProject& project) {
   return project.directory + "\\" + project.name + extension;
 }
 
-// Of a share or a stick that is away nobody knows whether its projects exist.
-bool CanBeAsked(const Platform& platform, const RegisteredProject& project) {
+// Whether the disk itself says that the project file has gone: the first folder above it that can
+// be listed does not hold what leads to it. Of a folder that is closed to this user, and of a
+// share, a stick or the target of a link that is away, nobody knows what it holds.
+bool HasGone(const Platform& platform, const RegisteredProject& project) {
   const std::string root = RootFolder(project.directory);
-  return root.empty() || platform.files.FolderExists(root);
+  if (root.empty()) return true;  // no place that could be away
+  bool is_project_file = true;
+  for (std::string path = project.project_file;;) {
+    const std::string name = FileName(path);
+    std::string folder = ParentFolder(path);
+    if (folder.size() < root.size()) folder = root;
+    try {
+      const std::vector<FileEntry> entries = platform.files.List(folder, "*");
+      return std::ranges::none_of(entries, [&](const FileEntry& entry) {
+        return EqualNoCase(entry.name, name) && !(is_project_file && entry.is_folder);
+      });
+    } catch (const RuntimeError& error) {
+      if (error.Number() != ErrorNumber::kPathNotFound || folder.size() == root.size())
+        return false;
+    }
+    path = std::move(folder);
+    is_project_file = false;
+  }
 }
 
 }  // namespace
@@ -56,7 +76,7 @@ void FillRegisteredProjects(Platform& platform, long type_mask, ProjectListModel
   std::unordered_set<std::string> keys;
   for (RegisteredProject& project : ListRegisteredProjects(platform)) {
     if (!project.exists) {
-      if (!CanBeAsked(platform, project)) continue;
+      if (!HasGone(platform, project)) continue;
       try {
         platform.tools.RemoveRegistryKey(Hive::kLocalMachine, KeyOf(project.name));
       } catch (const RuntimeError&) {

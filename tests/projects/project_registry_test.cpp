@@ -118,6 +118,52 @@ TEST_F(ProjectRegistry, KeepsARegistrationWhoseDriveOrShareIsAway) {
   EXPECT_THAT(Registered(), UnorderedElementsAre("here", "share", "stick"));
 }
 
+// The file is there, but the system says to everybody else that it is not.
+TEST_F(ProjectRegistry, KeepsARegistrationInAFolderThatIsClosedToThisUser) {
+  memory_.registry.Write(Hive::kLocalMachine, std::string(kProjectsKey) + "\\Demo", "Path",
+                         "C:\\Closed\\Demo");
+  memory_.files.AddFolder("C:\\Closed\\Demo");
+  memory_.files.FailPath("C:\\Closed\\Demo", "List", ErrorNumber::kPermissionDenied);
+
+  EXPECT_THAT(Fill(kProjectTypeAll).rows, IsEmpty());
+  EXPECT_THAT(Registered(), ElementsAre("Demo"));
+}
+
+TEST_F(ProjectRegistry, KeepsARegistrationBehindALinkThatLeadsNowhere) {
+  memory_.registry.Write(Hive::kLocalMachine, std::string(kProjectsKey) + "\\Demo", "Path",
+                         "C:\\Link\\Plant\\Demo");
+  memory_.files.AddFolder("C:\\Link");
+  memory_.files.FailPath("C:\\Link", "List", ErrorNumber::kPathNotFound);
+
+  EXPECT_THAT(Fill(kProjectTypeAll).rows, IsEmpty());
+  EXPECT_THAT(Registered(), ElementsAre("Demo"));
+}
+
+TEST_F(ProjectRegistry, KeepsARegistrationWhoseFileIsListedButCannotBeAsked) {
+  memory_.RegisterProject("Demo", "C:\\Demo", "1");
+  memory_.files.FailPath("C:\\Demo\\Demo.txs", "FileExists", ErrorNumber::kPermissionDenied);
+
+  EXPECT_THAT(Fill(kProjectTypeAll).rows, IsEmpty());
+  EXPECT_THAT(Registered(), ElementsAre("Demo"));
+}
+
+TEST_F(ProjectRegistry, RemovesARegistrationWhoseFoldersHaveAllGone) {
+  memory_.registry.Write(Hive::kLocalMachine, std::string(kProjectsKey) + "\\Demo", "Path",
+                         "C:\\Projects\\Plant\\Demo\\");
+
+  EXPECT_THAT(Fill(kProjectTypeAll).rows, IsEmpty());
+  EXPECT_THAT(Registered(), IsEmpty());
+}
+
+TEST_F(ProjectRegistry, RemovesARegistrationWhoseFileIsAFolderByNow) {
+  memory_.RegisterProject("Demo", "C:\\Demo", "1");
+  memory_.files.Vanish("C:\\Demo\\Demo.txs");
+  memory_.files.AddFolder("C:\\Demo\\Demo.txs");
+
+  EXPECT_THAT(Fill(kProjectTypeAll).rows, IsEmpty());
+  EXPECT_THAT(Registered(), IsEmpty());
+}
+
 TEST_F(ProjectRegistry, RemovesARegistrationWithoutAPath) {
   memory_.registry.Write(Hive::kLocalMachine, std::string(kProjectsKey) + "\\x", "ProjectType",
                          std::uint32_t{1});
