@@ -33,8 +33,9 @@ class ScanFuzzWorld : public ScanWorld {
 
     allocations.RequireAtMost(input_bytes + 64, 20000, "a Scan takes work as what it reads");
     Require(files.diary.size() <= 2000 + input_bytes * 8, "a Scan asks the disk as it reads");
-    static const std::set<std::string> kReading = {
-        "FileExists", "FolderExists", "Stamp", "OpenForReading", "Read", "Seek", "List", "Drives"};
+    static const std::set<std::string> kReading = {"FileExists",     "FolderExists", "Stamp",
+                                                   "OpenForReading", "Read",         "Seek",
+                                                   "List",           "Drives",       "FinalPath"};
     for (const auto& [operation, path] : files.diary) {
       Require(kReading.contains(operation), "a Scan writes nothing");
     }
