@@ -3,12 +3,20 @@
 namespace txs {
 namespace {
 
+constexpr long kTooManyFiles = 1701;
+
 // A shortcut among the chosen files stands for its target, which is elsewhere.
 bool IsFullPath(std::string_view name) {
   return name.starts_with("\\\\") || name.substr(0, 3).find(":\\") == 1;
 }
 
 }  // namespace
+
+std::vector<std::string> ChosenPaths(Application& application, const OpenFilesAnswer& answer) {
+  if (!answer.too_many) return answer.host_paths;
+  ShowWarning(application, kTooManyFiles, {});
+  return {};
+}
 
 std::vector<std::string> SplitChosenFiles(std::string_view buffer) {
   std::vector<std::string_view> parts;

@@ -5,13 +5,13 @@
 #include "document/path_variables.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
+#include "ui/chosen_files.h"
 #include "ui/open_files.h"
 #include "ui/wx_text.h"
 
 namespace txs {
 namespace {
 
-constexpr long kTooManyFiles = 1701;
 constexpr long kNotCompleted = 1913;
 constexpr long kOutsideOfDrives = 1925;
 constexpr long kChooseSetupDirectory = 1926;
@@ -60,8 +60,7 @@ std::vector<std::string> AskForFiles(wxWindow* parent, Application& application,
   try {
     const OpenFilesAnswer answer =
         OpenFiles(parent, question, HostFolder(application, question.directory));
-    if (answer.too_many) ShowWarning(application, kTooManyFiles, {});
-    return WindowsPaths(application, answer.host_paths);
+    return WindowsPaths(application, ChosenPaths(application, answer));
   } catch (const RuntimeError& error) {
     ShowError(application, kNotCompleted, {}, error);
     return {};

@@ -4,6 +4,9 @@
 
 #include <string>
 
+#include "fakes/memory_platform.h"
+#include "fakes/recording_messages.h"
+
 namespace txs {
 namespace {
 
@@ -41,6 +44,32 @@ TEST(SplitChosenFiles, FindsNothingInAnEmptyBuffer) {
   EXPECT_THAT(SplitChosenFiles(Buffer("\0")), IsEmpty());
   EXPECT_THAT(SplitChosenFiles(""), IsEmpty());
 }
+
+class ChosenPathsTest : public testing::TestWithParam<long> {
+ protected:
+  MemoryPlatform platform;
+  RecordingMessages messages;
+  Application application{platform.Get(),           messages, TextService(GetParam()),
+                          /*installation=*/{},
+                          /*configurator=*/nullptr,
+                          /*project=*/{},
+                          /*document=*/{}};
+};
+
+TEST_P(ChosenPathsTest, AreThoseOfTheAnswer) {
+  EXPECT_THAT(ChosenPaths(application, {{"/disk/a.dll", "/disk/b.dll"}, /*too_many=*/false}),
+              ElementsAre("/disk/a.dll", "/disk/b.dll"));
+  EXPECT_THAT(messages.shown, IsEmpty());
+}
+
+TEST_P(ChosenPathsTest, AreNoneAndMessage1701WhenTheBufferWasTooSmall) {
+  EXPECT_THAT(ChosenPaths(application, {{"/disk/a.dll"}, /*too_many=*/true}), IsEmpty());
+
+  ASSERT_THAT(messages.Ids(), ElementsAre(1701));
+  EXPECT_EQ(messages.shown[0].prompt, TextService(GetParam()).GetText(1701));
+}
+
+INSTANTIATE_TEST_SUITE_P(BothLanguages, ChosenPathsTest, testing::Values(1031, 1033));
 
 }  // namespace
 }  // namespace txs
