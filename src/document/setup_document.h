@@ -32,6 +32,10 @@ struct SetupDocument {
   // case. They live until another project is opened or the process ends: the settings file has no
   // place for them.
   std::vector<std::string> extra_todo_lines;
+  // Folded bare names of files that a Scan did not find, or did not follow to the end. The next one
+  // treats them as new: what is missing below a row that stood in the list is otherwise taken for
+  // deleted by the user. They live as long as the lines above.
+  std::vector<std::string> unfinished_files;
   // File name of the project's built program. Create refuses to run while it is empty.
   std::string program_name;
   PathVariableList path_variables;

@@ -27,6 +27,7 @@ bool OpenProject(Application& application, std::string_view name) {
     project.file = registered.name;
     // What the Scan of another project collected has no business in this one's script.
     application.document.extra_todo_lines.clear();
+    application.document.unfinished_files.clear();
     LoadCurrentProject(application);
     return true;
   });

@@ -19,15 +19,6 @@ constexpr char kMdacInstaller[] = "mdac_typ.exe";
 constexpr char kMinimalMdacInstaller[] = "Mdac_min.exe";
 constexpr char kJetServicePack[] = "Jet40Sp3_Comp.exe";
 constexpr char kTemporaryDirectory[] = "<TempDir>";
-constexpr char kMdacLine[] =
-    "ExecFile(<TempDir>\\mdac_typ.exe|0|/q:a|/c:\"setup.exe /qt\")"
-    "@DeleteFile(<TempDir>\\mdac_typ.exe)"
-    "@SetVar(Reboot|1)";
-constexpr char kJetLine[] =
-    "ExecFile(<TempDir>\\Jet40Sp3_Comp.exe|0|/q)"
-    "@DeleteFile(<TempDir>\\Jet40Sp3_Comp.exe)"
-    "@SetVar(Reboot|1)";
-
 // "VB Runtime", "Tavix4 Client": names that exist only as sections of dependency files.
 bool IsPseudoFile(std::string_view path) {
   return path.find_first_of("\\/:.") == std::string_view::npos;
@@ -39,11 +30,33 @@ bool IsNamed(std::string_view path, std::string_view name) {
 
 }  // namespace
 
+struct DependencyResolver::Installer {
+  const char* file_name;    // in the setup kit
+  const char* search_name;  // as the user is asked for it
+  const char* script_line;
+};
+
+const DependencyResolver::Installer DependencyResolver::kMdac = {
+    kMdacInstaller, "Mdac_typ.exe",
+    "ExecFile(<TempDir>\\mdac_typ.exe|0|/q:a|/c:\"setup.exe /qt\")"
+    "@DeleteFile(<TempDir>\\mdac_typ.exe)"
+    "@SetVar(Reboot|1)"};
+const DependencyResolver::Installer DependencyResolver::kJet = {
+    kJetServicePack, kJetServicePack,
+    "ExecFile(<TempDir>\\Jet40Sp3_Comp.exe|0|/q)"
+    "@DeleteFile(<TempDir>\\Jet40Sp3_Comp.exe)"
+    "@SetVar(Reboot|1)"};
+
 bool DependencyResolver::AddFile(std::string_view path, Force force,
                                  std::string_view dependency_file) {
   std::string subject(path);
-  return AtWorkBorder(session_.App(), kMessageAddingFile, subject,
-                      [&] { return Run(subject, force, dependency_file); });
+  frames_.clear();
+  const bool added = AtWorkBorder(session_.App(), kMessageAddingFile, subject, [&] {
+    return Enter(subject, force, session_.Dependencies().Open(dependency_file)) &&
+           FollowAll(subject);
+  });
+  if (!added) LeaveUnfinished(subject);
+  return added;
 }
 
 bool DependencyResolver::AddFromBothSources(std::string_view path) {
@@ -52,9 +65,7 @@ bool DependencyResolver::AddFromBothSources(std::string_view path) {
   return usual && product;
 }
 
-bool DependencyResolver::Run(std::string& subject, Force force, std::string_view dependency_file) {
-  frames_.clear();
-  if (!Enter(subject, force, session_.Dependencies().Open(dependency_file))) return false;
+bool DependencyResolver::FollowAll(std::string& subject) {
   while (!frames_.empty()) {
     Frame& frame = frames_.back();
     if (frame.next == frame.uses.size()) {
@@ -75,15 +86,29 @@ bool DependencyResolver::Run(std::string& subject, Force force, std::string_view
   return true;
 }
 
+void DependencyResolver::LeaveUnfinished(const std::string& subject) {
+  for (const Frame& frame : frames_) {
+    if (!frame.kept) session_.LeaveUnfinished(frame.name);
+  }
+  // Without a row, what leads to it finds it anew.
+  if (session_.ListedByThisScan(subject)) session_.LeaveUnfinished(subject);
+}
+
 bool DependencyResolver::Enter(const std::string& path, Force force, const DependencyFile* source) {
   session_.View().ShowFile(path);
   if (session_.CancelledMeanwhile()) return false;
 
+  if (force == Force::kNo && session_.App().use_runtime_setup && IsNamed(path, kMdacInstaller)) {
+    // It is not packaged then, so nobody needs to say where it is.
+    const bool below_kept_row = !frames_.empty() && frames_.back().kept;
+    return below_kept_row || AddMdacAndJet(Force::kNo);
+  }
   const bool is_pseudo = IsPseudoFile(path);
   const bool is_system = !is_pseudo && session_.IsSystemFileName(path);
   ScanSession::Located located;
   if (is_pseudo || is_system) {
     // A system file is on every target computer and never listed: nobody needs to say where it is.
+    located.whereabouts = ScanSession::Whereabouts::kCovered;
     located.path = path;
   } else {
     const std::string folder = frames_.empty() ? std::string() : frames_.back().folder;
@@ -91,34 +116,51 @@ bool DependencyResolver::Enter(const std::string& path, Force force, const Depen
     if (session_.View().IsCancelPressed()) return false;
     if (located.whereabouts == ScanSession::Whereabouts::kDropped) return true;
   }
+  return Visit(located, is_system, force, source);
+}
 
+bool DependencyResolver::Visit(const ScanSession::Located& located, bool is_system, Force force,
+                               const DependencyFile* source) {
+  const bool is_found = located.whereabouts == ScanSession::Whereabouts::kFound;
   const std::optional<ScanSession::Listed> listed = session_.FindListed(located.path);
-  if (force == Force::kNo && listed && !listed->by_this_scan) return true;
-  if (IsNamed(path, kMdacInstaller) && force == Force::kNo && session_.App().use_runtime_setup) {
-    return AddMdacAndJet(Force::kNo);
-  }
+  const bool below_kept_row = !frames_.empty() && frames_.back().kept;
+  const bool kept = force == Force::kNo && !session_.IsUnfinished(located.path) &&
+                    (listed ? !listed->by_this_scan : below_kept_row && !located.by_user);
 
-  if (const auto read = read_.find(FoldCase(located.path));
-      force == Force::kNo && read != read_.end() && read->second.usual && read->second.product) {
-    return true;
+  const std::string key = FoldCase(located.path);
+  SourcesRead done;
+  if (const auto read = read_.find(key); read != read_.end()) done = read->second;
+  if (const auto seen = looked_through_.find(key); kept && seen != looked_through_.end()) {
+    done.usual = done.usual || seen->second.usual;
+    done.product = done.product || seen->second.product;
   }
+  if (force == Force::kNo && done.usual && done.product) return true;
+
   std::optional<Section> section = FindSection(located.path, source);
+  const bool is_product = section && section->source == Product();
+  SourcesRead& seen = (kept ? looked_through_ : read_)[key];
+  // Where the product has nothing to say it has been asked all the same: a file that many name must
+  // not be looked up for each of them.
+  if (is_product || source == Product()) seen.product = true;
+  if (section && !is_product) seen.usual = true;
+
   if ((force == Force::kYes || !listed) && IsReplacedByMdac(located.path, section)) {
     mdac_needed_by_ = FileName(located.path);
-    return AddMdacAndJet(Force::kYes);
+    if (!kept) return AddMdacAndJet(Force::kYes);
+    AskForMissingInstallers();
+    return true;
   }
   if (is_system) return true;
+  const bool is_deleted = kept && !listed && is_found && !session_.IsCovered(located);
+  if (is_deleted) return true;
 
   const RegistrationKind kind = section ? section->entries.registration : RegistrationKind::kNone;
-  if (located.whereabouts == ScanSession::Whereabouts::kFound) TakeRow(located, force, kind);
+  if (is_found) TakeRow(located, force, kind);
   if (!section) return true;
 
-  SourcesRead& read = read_[FoldCase(located.path)];
-  bool& this_source = section->source == Product() ? read.product : read.usual;
-  if (this_source && force == Force::kNo) return true;
-  this_source = true;
+  if (force == Force::kNo && (is_product ? done.product : done.usual)) return true;
   Follow(located.path, *std::move(section),
-         is_pseudo || located.whereabouts != ScanSession::Whereabouts::kIgnored);
+         located.whereabouts != ScanSession::Whereabouts::kIgnored, kept);
   return true;
 }
 
@@ -157,22 +199,20 @@ bool DependencyResolver::IsReplacedByMdac(const std::string& path,
 
 void DependencyResolver::TakeRow(const ScanSession::Located& located, Force force,
                                  RegistrationKind kind) {
-  Application& application = session_.App();
   const std::optional<ScanSession::Listed> listed = session_.FindListed(located.path);
   if (listed && force == Force::kNo) {
+    if (!listed->by_this_scan) return;
     // The row is from this Scan. Its first source may have known nothing of its registration.
-    std::string& registration = application.document.files.Row(listed->row).registration;
+    std::string& registration = session_.App().document.files.Row(listed->row).registration;
     if (registration == "0") registration = std::to_string(static_cast<int>(kind));
     return;
   }
-  if (application.use_runtime_setup) {
-    const LocalTime changed = application.platform.clock.ToLocal(located.stamp.last_write);
-    if (session_.Setups().Covers(located.path, changed)) return;
-  }
+  if (force == Force::kNo && session_.IsCovered(located)) return;
   session_.AppendRow(located.path, located.stamp.length_bytes, kind, /*destination=*/{});
 }
 
-void DependencyResolver::Follow(const std::string& path, Section section, bool with_script_lines) {
+void DependencyResolver::Follow(const std::string& path, Section section, bool with_script_lines,
+                                bool kept) {
   DependencyEntries& entries = section.entries;
   if (!with_script_lines) entries.script_lines.clear();
   if (entries.uses.empty()) {
@@ -185,6 +225,7 @@ void DependencyResolver::Follow(const std::string& path, Section section, bool w
   frame.source = section.source;
   frame.uses = std::move(entries.uses);
   frame.script_lines = std::move(entries.script_lines);
+  frame.kept = kept;
   frames_.push_back(std::move(frame));
 }
 
@@ -212,8 +253,9 @@ bool DependencyResolver::AddMdacAndJet(Force force) {
     const std::vector<std::string>& lines = application.document.extra_todo_lines;
     if (force == Force::kNo &&
         (ListsInstaller(kMdacInstaller) ||
-         std::any_of(lines.begin(), lines.end(),
-                     [](const std::string& line) { return EqualNoCase(line, kMdacLine); }))) {
+         std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
+           return EqualNoCase(line, kMdac.script_line);
+         }))) {
       return true;
     }
     mdac_done_ = true;
@@ -227,73 +269,116 @@ bool DependencyResolver::AddMdacAndJet(Force force) {
       if (!application.hide_mdac_hint) show_hint();
       return true;
     }
-    // With the option for it, an earlier Create has put the minimal installer in the place of the
-    // full one, which must not come back beside it.
-    const bool minimal_is_listed =
-        application.document.steps.minimal_mdac && ListsInstaller(kMinimalMdacInstaller);
-    if (!minimal_is_listed) AddInstaller(kMdacInstaller, "Mdac_typ.exe", kMdacLine);
+    if (!MinimalMdacIsListed()) AddInstaller(kMdac);
     show_hint();
-    AddInstaller(kJetServicePack, kJetServicePack, kJetLine);
+    AddInstaller(kJet);
     return true;
   });
 }
 
-bool DependencyResolver::ListsInstaller(std::string_view file_name) const {
-  return session_
-      .FindListed(FullPath(JoinPath(session_.App().installation.SetupKitDirectory(), file_name)))
-      .has_value();
+void DependencyResolver::AskForMissingInstallers() {
+  if (installers_asked_for_ || mdac_done_ || session_.App().use_runtime_setup) return;
+  installers_asked_for_ = true;
+  const auto ask_for = [&](const Installer& installer) {
+    const std::string path =
+        JoinPath(session_.App().installation.SetupKitDirectory(), installer.file_name);
+    if (!session_.App().platform.files.FileExists(path)) AddInstaller(installer);
+  };
+  if (!MinimalMdacIsListed()) ask_for(kMdac);
+  ask_for(kJet);
 }
 
-void DependencyResolver::AddInstaller(std::string_view file_name, std::string_view search_name,
-                                      const std::string& script_line) {
-  const std::string path =
+// With the option for it, an earlier Create has put the minimal installer in the place of the full
+// one, which must not come back beside it.
+bool DependencyResolver::MinimalMdacIsListed() const {
+  return session_.App().document.steps.minimal_mdac && ListsInstaller(kMinimalMdacInstaller);
+}
+
+bool DependencyResolver::ListsInstaller(std::string_view file_name) const {
+  const std::string in_kit =
       FullPath(JoinPath(session_.App().installation.SetupKitDirectory(), file_name));
-  ScanSession::Located located{ScanSession::Whereabouts::kFound, path, {}};
+  return session_.FindListed(in_kit) || FindInstallerRow(file_name);
+}
+
+std::optional<ScanSession::Located> DependencyResolver::FindInstallerRow(
+    std::string_view file_name) const {
+  std::optional<ScanSession::Located> found = session_.FindListedByName(file_name);
+  const std::optional<ScanSession::Listed> listed =
+      found ? session_.FindListed(found->path) : std::nullopt;
+  if (!listed) return std::nullopt;
+  const FileRow& row = session_.App().document.files.Row(listed->row);
+  if (!EqualNoCase(row.destination, kTemporaryDirectory)) return std::nullopt;
+  return found;
+}
+
+void DependencyResolver::AddInstaller(const Installer& installer) {
+  const std::string path =
+      FullPath(JoinPath(session_.App().installation.SetupKitDirectory(), installer.file_name));
+  ScanSession::Located located;
+  located.whereabouts = ScanSession::Whereabouts::kFound;
+  located.path = path;
   if (const std::optional<FileStamp> stamp = session_.App().platform.files.Stamp(path)) {
     located.stamp = *stamp;
+  } else if (const auto row = FindInstallerRow(installer.file_name)) {
+    located = *row;
   } else {
-    located = session_.AskFor(search_name, [&] {
-      std::vector<std::string> chain = ChainTo(search_name);
+    located = session_.AskFor(installer.search_name, [&] {
+      std::vector<std::string> chain = ChainTo(installer.search_name);
       if (!mdac_needed_by_.empty()) chain.insert(chain.end() - 1, mdac_needed_by_);
       return chain;
     });
     // Without the file its line would fail on every target computer.
-    if (located.whereabouts != ScanSession::Whereabouts::kFound) return;
+    if (located.whereabouts != ScanSession::Whereabouts::kFound) {
+      if (!mdac_needed_by_.empty()) session_.LeaveUnfinished(mdac_needed_by_);
+      return;
+    }
   }
   if (!session_.FindListed(located.path)) {
     session_.AppendRow(located.path, located.stamp.length_bytes, RegistrationKind::kNone,
                        kTemporaryDirectory);
   }
-  session_.AddScriptLine(script_line);
+  session_.AddScriptLine(installer.script_line);
 }
 
-bool DependencyResolver::AddScriptLinesOfKeptRows() {
-  Application& application = session_.App();
-  std::string subject;
-  return AtWorkBorder(application, kMessageAddingFile, subject, [&] {
-    const auto add_lines_of = [&](const DependencyFile* file) {
-      if (file == nullptr) return false;
-      const std::optional<DependencyEntries> entries = file->Find(FileName(subject));
-      if (!entries) return false;
-      for (const std::string& line : entries->script_lines) session_.AddScriptLine(line);
-      return true;
-    };
-    for (std::size_t row = 1; row <= session_.KeptRows(); ++row) {
-      subject = session_.FullPathOfRow(row);
-      if (IsAbsolutePath(subject) && !add_lines_of(session_.Dependencies().OpenOwn(subject))) {
-        add_lines_of(session_.Dependencies().Open(session_.VisualBasic().dependency_file));
-      }
-      add_lines_of(Product());
-      if (!EqualNoCase(application.document.files.Row(row).destination, kTemporaryDirectory)) {
-        continue;
-      }
-      const bool minimal = application.document.steps.minimal_mdac &&
-                           IsNamed(subject, kMinimalMdacInstaller);  // Create shortens the line
-      if (minimal || IsNamed(subject, kMdacInstaller)) session_.AddScriptLine(kMdacLine);
-      if (IsNamed(subject, kJetServicePack)) session_.AddScriptLine(kJetLine);
+void DependencyResolver::AddInstallerLinesOfKeptRows() {
+  // With the predefined runtime setup, too, which brings neither row nor line: such a row was
+  // packed on purpose before, it is still in the package, and nobody would run it.
+  const SetupDocument& document = session_.App().document;
+  for (std::size_t row = 1; row <= session_.KeptRows(); ++row) {
+    const FileRow& kept = document.files.Row(row);
+    if (!EqualNoCase(kept.destination, kTemporaryDirectory)) continue;
+    const bool is_minimal =
+        document.steps.minimal_mdac &&
+        IsNamed(kept.source, kMinimalMdacInstaller);  // Create shortens the line
+    if (is_minimal || IsNamed(kept.source, kMdacInstaller)) {
+      session_.AddScriptLine(kMdac.script_line);
     }
-    return true;
-  });
+    if (IsNamed(kept.source, kJetServicePack)) session_.AddScriptLine(kJet.script_line);
+  }
+}
+
+bool DependencyResolver::FollowKeptRows() {
+  bool succeeded = true;
+  session_.chain_root.clear();
+  for (std::size_t row = 1; row <= session_.KeptRows(); ++row) {
+    ScanSession::Located located;
+    located.whereabouts = ScanSession::Whereabouts::kFound;
+    located.path = session_.FullPathOfRow(row);
+    const std::string key = FoldCase(located.path);
+    if (read_.contains(key) || looked_through_.contains(key)) continue;
+    if (session_.CancelledMeanwhile()) return false;
+    std::string subject = located.path;
+    frames_.clear();
+    const bool followed = AtWorkBorder(session_.App(), kMessageAddingFile, subject, [&] {
+      return Visit(located, /*is_system=*/false, Force::kNo, /*source=*/nullptr) &&
+             FollowAll(subject) && Visit(located, /*is_system=*/false, Force::kNo, Product()) &&
+             FollowAll(subject);
+    });
+    if (followed) continue;
+    LeaveUnfinished(subject);
+    succeeded = false;
+  }
+  return succeeded;
 }
 
 }  // namespace txs

@@ -65,11 +65,8 @@ bool CanOpen(ProfileFiles& profiles, const std::string& path) {
 
 bool RunStages(ScanSession& session) {
   DependencyResolver resolver(session);
-  // To-do lines of an earlier process are gone, the rows that brought them are not. A document that
-  // has lines was scanned in this process, and they are complete.
-  bool succeeded =
-      !session.App().document.extra_todo_lines.empty() || resolver.AddScriptLinesOfKeptRows();
-  succeeded = ScanStudioProject(session, resolver) && succeeded;
+  resolver.AddInstallerLinesOfKeptRows();
+  bool succeeded = ScanStudioProject(session, resolver);
   if (session.View().IsCancelPressed()) return false;
   // A project file that cannot be read ended the first stage with the message that the second would
   // show again.
@@ -78,7 +75,9 @@ bool RunStages(ScanSession& session) {
       !CanOpen(application.platform.profiles, application.project.StudioProjectFile())) {
     return false;
   }
-  return ScanDesignerProject(session, resolver) && succeeded;
+  succeeded = ScanDesignerProject(session, resolver) && succeeded;
+  if (session.View().IsCancelPressed()) return false;
+  return resolver.FollowKeptRows() && succeeded;
 }
 
 }  // namespace
@@ -94,6 +93,7 @@ ScanResult RunScan(Application& application, ScanView& view, SearchFileDialog& d
         AtWorkBorder(application, kMessageScanning, application.project.StudioProjectFile(), [&] {
           ScanSession session(application, view, dialog);
           const bool succeeded = RunStages(session);
+          session.StoreUnfinished(/*is_complete=*/succeeded && !view.IsCancelPressed());
           result.missing = session.TakeMissing();
           return succeeded;
         });
@@ -110,8 +110,13 @@ struct AddingByHand::Session {
   Session(Application& application, ScanView& view, SearchFileDialog& dialog)
       : scan(application, view, dialog), resolver(scan) {}
 
+  ~Session() { scan.StoreUnfinished(/*is_complete=*/false); }
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
   ScanSession scan;
   DependencyResolver resolver;
+  bool setups_are_in_use = false;
 };
 
 AddingByHand::AddingByHand(Application& application, ScanView& view, SearchFileDialog& dialog)
@@ -131,7 +136,10 @@ bool AddingByHand::IsListed(std::string_view path) {
 bool AddingByHand::Add(std::string_view path) {
   constexpr long kMessageAddingFile = 907;
   const bool added = AtWorkBorder(application_, kMessageAddingFile, std::string(path), [&] {
-    return Open().resolver.AddFile(path, Force::kYes, /*dependency_file=*/{});
+    Session& session = Open();
+    if (!session.setups_are_in_use) UseListedSetups(session.scan);
+    session.setups_are_in_use = true;
+    return session.resolver.AddFile(path, Force::kYes, /*dependency_file=*/{});
   });
   // What was being followed when it failed counts as read. The next file deserves a fresh start.
   if (!added) session_.reset();

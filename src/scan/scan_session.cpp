@@ -24,7 +24,9 @@ ScanSession::ScanSession(Application& application, ScanView& view, SearchFileDia
                         .value_or(VisualBasicInstallation())),
       search_(application.platform.files, SearchPlaces(), [this] { return !CancelledMeanwhile(); }),
       variables_(application.document.path_variables),
-      kept_rows_(application.document.files.RowCount()) {
+      kept_rows_(application.document.files.RowCount()),
+      unfinished_before_(application.document.unfinished_files.begin(),
+                         application.document.unfinished_files.end()) {
   const SetupDocument& document = application.document;
   for (std::size_t row = 1; row <= kept_rows_; ++row) {
     std::string path = FullPathOfRow(row);
@@ -77,6 +79,13 @@ std::optional<ScanSession::Listed> ScanSession::FindListed(std::string_view full
   return found->second;
 }
 
+bool ScanSession::ListedByThisScan(std::string_view path) const {
+  const auto named = listed_by_name_.find(FoldedName(path));
+  if (named == listed_by_name_.end()) return false;
+  const std::optional<Listed> listed = FindListed(named->second);
+  return listed && listed->by_this_scan;
+}
+
 std::string ScanSession::VariableFormOf(std::string_view full_path, VariableForm form) const {
   return ToVariableForm(variables_, full_path, form);
 }
@@ -104,6 +113,7 @@ void ScanSession::AppendRow(std::string_view full_path, std::uint64_t length_byt
   listed_.try_emplace(FoldCase(full_path), Listed{row, /*by_this_scan=*/true});
   const std::string name = FoldedName(full_path);
   listed_by_name_.try_emplace(name, full_path);
+  unfinished_before_.erase(name);  // what it needs is followed because it is new
   if (missing_names_.erase(name) > 0) {
     std::erase_if(missing_, [&](const MissingItem& item) { return FoldCase(item.name) == name; });
   }
@@ -112,6 +122,21 @@ void ScanSession::AppendRow(std::string_view full_path, std::uint64_t length_byt
 
 bool ScanSession::IsSystemFileName(std::string_view path) const {
   return system_names_.contains(FoldedName(path));
+}
+
+bool ScanSession::IsUnfinished(std::string_view path) const {
+  return unfinished_before_.contains(FoldedName(path));
+}
+
+void ScanSession::LeaveUnfinished(std::string_view path) {
+  unfinished_now_.insert(FoldedName(path));
+}
+
+void ScanSession::StoreUnfinished(bool is_complete) {
+  if (!is_complete) unfinished_now_.insert(unfinished_before_.begin(), unfinished_before_.end());
+  std::vector<std::string>& files = application_.document.unfinished_files;
+  files.assign(unfinished_now_.begin(), unfinished_now_.end());
+  std::sort(files.begin(), files.end());
 }
 
 void ScanSession::SetProgramName(std::string_view name) {
@@ -130,7 +155,7 @@ std::optional<ScanSession::Located> ScanSession::At(const std::string& full_path
   if (!IsAbsolutePath(full_path)) return std::nullopt;
   const std::optional<FileStamp> stamp = application_.platform.files.Stamp(full_path);
   if (!stamp) return std::nullopt;
-  return Located{Whereabouts::kFound, full_path, *stamp};
+  return Located{Whereabouts::kFound, full_path, *stamp, /*by_user=*/false};
 }
 
 ScanSession::Located ScanSession::Locate(std::string_view path, std::string_view naming_folder,
@@ -157,21 +182,29 @@ ScanSession::Located ScanSession::Locate(std::string_view path, std::string_view
   std::optional<Located> found;
   if (asked == asked_.end()) found = At(search_.Find(name));
   if (!found && !naming_folder.empty()) found = At(FullPathFrom(naming_folder, name));
-  if (!found) {
-    if (const auto listed = listed_by_name_.find(key); listed != listed_by_name_.end()) {
-      found = At(listed->second);
-    }
-  }
+  if (!found) found = FindListedByName(name);
   if (found) {
     asked_[key] = *found;
     return *std::move(found);
   }
   if (application_.use_runtime_setup && setups_.Lists(name)) {
-    return {Whereabouts::kCovered, name, {}};
+    return {Whereabouts::kCovered, name, {}, /*by_user=*/false};
   }
   if (asked != asked_.end()) return asked->second;
-  if (view_.IsCancelPressed()) return {Whereabouts::kDropped, full_path, {}};
+  if (view_.IsCancelPressed()) return {Whereabouts::kDropped, full_path, {}, /*by_user=*/false};
   return AskFor(name, make_chain);
+}
+
+std::optional<ScanSession::Located> ScanSession::FindListedByName(
+    std::string_view file_name) const {
+  const auto listed = listed_by_name_.find(FoldCase(file_name));
+  if (listed == listed_by_name_.end()) return std::nullopt;
+  return At(listed->second);
+}
+
+bool ScanSession::IsCovered(const Located& found) const {
+  return application_.use_runtime_setup &&
+         setups_.Covers(found.path, application_.platform.clock.ToLocal(found.stamp.last_write));
 }
 
 std::string ScanSession::KnownPath(std::string_view path) const {
@@ -186,17 +219,19 @@ ScanSession::Located ScanSession::AskFor(std::string_view file_name, const Chain
   const std::string key = FoldCase(file_name);
   if (const auto asked = asked_.find(key); asked != asked_.end()) return asked->second;
 
-  Located located{Whereabouts::kIgnored, std::string(file_name), {}};
+  Located located{Whereabouts::kIgnored, std::string(file_name), {}, /*by_user=*/false};
   std::vector<std::string> chain = make_chain();
   const SearchFileAnswer answer = dialog_.Search({std::string(file_name), chain});
   if (answer.result == SearchFileResult::kCancel) located.whereabouts = Whereabouts::kDropped;
   if (answer.result == SearchFileResult::kOk) {
     if (std::optional<Located> found = At(FullPathFrom(answer.directory, file_name))) {
       located = *std::move(found);
+      located.by_user = true;
     }
   }
   if (located.whereabouts != Whereabouts::kFound) {
     RecordMissing(std::string(file_name), std::move(chain));
+    LeaveUnfinished(file_name);
   }
   asked_[key] = located;
   return located;

@@ -49,6 +49,8 @@ class ScanSession {
   };
   // Nothing when no row names the file. `full_path` as FullPath writes it.
   [[nodiscard]] std::optional<Listed> FindListed(std::string_view full_path) const;
+  // Whether this session appended a row of that bare name.
+  [[nodiscard]] bool ListedByThisScan(std::string_view path) const;
   // Appends a row: source in variable form, length, kind; `destination` empty means the file's own
   // directory in variable form.
   void AppendRow(std::string_view full_path, std::uint64_t length_bytes, RegistrationKind kind,
@@ -61,6 +63,14 @@ class ScanSession {
   // The full path that a row's source stands for.
   [[nodiscard]] std::string FullPathOfRow(std::size_t row) const;
   [[nodiscard]] bool IsSystemFileName(std::string_view path) const;
+
+  // --- What the next Scan owes (SetupDocument::unfinished_files).
+  // Whether an earlier Scan left the file of this bare name out, or did not follow it to the end.
+  [[nodiscard]] bool IsUnfinished(std::string_view path) const;
+  void LeaveUnfinished(std::string_view path);
+  // Hands over to the document what this session leaves. What it found there and has not added
+  // itself is forgotten only when `is_complete`: then nothing has been left out unseen.
+  void StoreUnfinished(bool is_complete);
 
   void SetProgramName(std::string_view name);
 
@@ -76,8 +86,9 @@ class ScanSession {
   };
   struct Located {
     Whereabouts whereabouts = Whereabouts::kDropped;
-    std::string path;  // full path; with anything but kFound what was asked for
-    FileStamp stamp;   // of the file found
+    std::string path;      // full path; with anything but kFound what was asked for
+    FileStamp stamp;       // of the file found
+    bool by_user = false;  // the user said where it is
   };
   // Where the file is: at `path`, else where the automatic search finds its name, else beside the
   // file that names it (`naming_folder`), else in a row of the list, else in a predefined setup in
@@ -90,6 +101,10 @@ class ScanSession {
   // Where Locate found what was asked for as `path`; its full path as given where it found nothing,
   // or was never asked.
   [[nodiscard]] std::string KnownPath(std::string_view path) const;
+  // The file of the first row of this bare name; nothing when there is none, or its file has gone.
+  [[nodiscard]] std::optional<Located> FindListedByName(std::string_view file_name) const;
+  // Whether a predefined setup in use installs the file that was found.
+  [[nodiscard]] bool IsCovered(const Located& found) const;
   // Asks the user for a file that is not at its fixed place, and records it when it stays missing.
   [[nodiscard]] Located AskFor(std::string_view file_name, const ChainMaker& make_chain);
 
@@ -118,6 +133,9 @@ class ScanSession {
   std::unordered_map<std::string, std::string> listed_by_name_;  // folded name to full path
   std::unordered_set<std::string> script_lines_;                 // folded
   std::unordered_set<std::string> system_names_;                 // folded
+
+  std::unordered_set<std::string> unfinished_before_;  // folded names
+  std::unordered_set<std::string> unfinished_now_;
 
   std::unordered_map<std::string, Located> asked_;  // by folded name
   std::vector<MissingItem> missing_;

@@ -43,6 +43,14 @@ Runtime RuntimeOf(long project_type) {
   }
 }
 
+// A setup that is not there installs nothing, so nothing may be left out on its account.
+void UseIfListed(ScanSession& session, const std::string& name) {
+  if (!session.FindListedByName(name + ".exe")) return;
+  const Application& application = session.App();
+  session.Setups().Use(application.platform.profiles.Open(
+      FullPathFrom(application.installation.SetupKitDirectory(), name + ".ini")));
+}
+
 bool RunsServer(long project_type) {
   return project_type == kProjectTypeSingle || project_type == kProjectTypeServer;
 }
@@ -102,13 +110,9 @@ class StudioProjectScan {
     if (!runtime.pseudo_file.empty()) AddWithProductSource(runtime.pseudo_file);
   }
 
-  // A setup that is not there installs nothing, so nothing may be left out on its account.
   void AddSetup(const std::string& name) {
     const std::string kit = application_.installation.SetupKitDirectory();
-    const std::string program = FullPathFrom(kit, name + ".exe");
-    if (!AddWithProductSource(program)) return;
-    if (!session_.FindListed(session_.KnownPath(program))) return;
-    session_.Setups().Use(application_.platform.profiles.Open(FullPathFrom(kit, name + ".ini")));
+    if (AddWithProductSource(FullPathFrom(kit, name + ".exe"))) UseIfListed(session_, name);
   }
 
   void AddProjectFile() {
@@ -170,6 +174,20 @@ class StudioProjectScan {
       return;
     }
     if (!AddWithUsualSource(path)) return;
+    if (IsInstalled(path)) AddDriverLines(key, path);
+    AddWithProductSource(path);
+  }
+
+  // Whether the target computer will have the file: it was found, or is there anyway. A driver that
+  // was left out must not be registered.
+  bool IsInstalled(const std::string& path) {
+    return application_.platform.files.FileExists(session_.KnownPath(path)) ||
+           session_.IsSystemFileName(path) ||
+           (application_.use_runtime_setup && session_.Setups().Lists(path));
+  }
+
+  void AddDriverLines(const std::string& key, const std::string& path) {
+    SystemTools& tools = application_.platform.tools;
     const std::string name =
         tools.RegistryText(Hive::kLocalMachine, key, "Name", /*default_value=*/{});
     const auto add_line = [&](const std::string& value_name, const std::string& value) {
@@ -178,7 +196,6 @@ class StudioProjectScan {
     };
     add_line("Path", session_.VariableFormOf(session_.KnownPath(path), VariableForm::kWholePath));
     add_line("Name", name);
-    AddWithProductSource(path);
   }
 
   std::vector<std::string> ChainTo(const std::string& section, const std::string& name) const {
@@ -209,6 +226,14 @@ class StudioProjectScan {
 };
 
 }  // namespace
+
+void UseListedSetups(ScanSession& session) {
+  session.Setups().Clear();
+  if (!session.App().use_runtime_setup) return;
+  for (const std::string& setup : RuntimeOf(session.App().project.type).setups) {
+    UseIfListed(session, setup);
+  }
+}
 
 bool ScanStudioProject(ScanSession& session, DependencyResolver& resolver) {
   Application& application = session.App();

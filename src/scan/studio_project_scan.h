@@ -15,4 +15,8 @@ namespace txs {
 // not registered is a message (915) and recorded as missing, but no failure.
 [[nodiscard]] bool ScanStudioProject(ScanSession& session, DependencyResolver& resolver);
 
+// Puts the predefined runtime setups into use whose programs are listed, for what is added without
+// a Scan. Throws RuntimeError when a description cannot be read.
+void UseListedSetups(ScanSession& session);
+
 }  // namespace txs

@@ -112,8 +112,8 @@ std::string Describe(const SetupDocument& document) {
   };
   // Names every member, so that a new one cannot be forgotten here.
   const auto& [steps, files, hidden_files, ini_files, hidden_ini_files, system_files,
-               extra_todo_lines, program_name, path_variables, configurator_value, settings_source,
-               settings_digest, changed] = document;
+               extra_todo_lines, unfinished_files, program_name, path_variables, configurator_value,
+               settings_source, settings_digest, changed] = document;
   const auto& [info, background_picture, startmenu_folder, startmenu_link, tavix_directory,
                project_directory, user_directories, use_jet, use_odbc, designer, disk_size_index,
                setup_directory, minimal_mdac, service_pack, file_count, total_bytes, disks_needed,
@@ -137,6 +137,7 @@ std::string Describe(const SetupDocument& document) {
   list("resolved", system_files.resolved);
   list("excluded", system_files.excluded);
   list("to do", extra_todo_lines);
+  list("unfinished", unfinished_files);
   for (const auto& [name, value] : path_variables) text << name << '=' << value << '\n';
   list("program", {program_name, configurator_value});
   text << "source " << static_cast<int>(settings_source) << ' ' << settings_digest << '\n';

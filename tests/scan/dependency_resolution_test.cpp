@@ -562,6 +562,85 @@ TEST_F(MdacAndJet, AreAskedForWhenTheyAreNotInTheKit) {
                                       {"Demo.vbp", "dao360.dll", "Jet40Sp3_Comp.exe"}}));
 }
 
+// They were asked for, and missing, at every Scan although they were listed.
+TEST_F(MdacAndJet, AreTakenFromTheRowsWhereTheyAreNotInTheKit) {
+  world.files.AddFile("C:\\CD\\Mdac_typ.exe", "mdac");
+  world.files.AddFile("C:\\CD\\Jet40Sp3_Comp.exe", "jet");
+  list.Append("C:\\CD\\Mdac_typ.exe", "<TempDir>", "0");
+  list.Append("C:\\CD\\Jet40Sp3_Comp.exe", "<TempDir>", "0");
+
+  EXPECT_TRUE(world.Add("dao360.dll"));
+
+  EXPECT_EQ(list.RowCount(), 2u);
+  EXPECT_THAT(world.ToDo(), ElementsAre(kMdacLine, kJetLine));
+  EXPECT_THAT(world.dialog.requests, IsEmpty());
+}
+
+// A file of that name that is only copied is not what its line would run.
+TEST_F(MdacAndJet, AreAskedForWhereARowOfTheirNameGoesElsewhereOrHasNoFile) {
+  world.files.AddFile("C:\\CD\\Mdac_typ.exe", "mdac");
+  list.Append("C:\\CD\\Mdac_typ.exe", "<ProjectDir>", "0");
+  list.Append("C:\\CD\\Jet40Sp3_Comp.exe", "<TempDir>", "0");
+
+  EXPECT_TRUE(world.Add("dao360.dll"));
+
+  EXPECT_EQ(world.dialog.requests.size(), 2u);
+  EXPECT_THAT(world.ToDo(), IsEmpty());
+}
+
+// The user was asked for what is never packaged, and it counted as missing.
+TEST_F(MdacAndJet, AreNotLookedForWithThePredefinedSetup) {
+  world.application.use_runtime_setup = true;
+  world.SetVb6File({"[VB Runtime]", "Uses1=mdac_typ.exe"});
+
+  EXPECT_TRUE(world.Add("VB Runtime"));
+
+  EXPECT_THAT(world.dialog.requests, IsEmpty());
+  EXPECT_THAT(world.Session().TakeMissing(), IsEmpty());
+  EXPECT_THAT(world.messages.Ids(), ElementsAre(917));
+}
+
+// Below a component that stood in the list before.
+TEST_F(MdacAndJet, AreMissedAgainBelowAKeptRow) {
+  world.AddSystemFile("x.dll");
+  world.SetVb6File({"[x.dll]", "Uses1=dao360.dll", "[dao360.dll]", "Replace=mdac_typ.exe"});
+  list.Append("<WinSysDir>\\x.dll", "<WinSysDir>", "0");
+
+  EXPECT_TRUE(world.Add("x.dll"));
+
+  EXPECT_EQ(world.dialog.requests.size(), 2u);
+  EXPECT_EQ(world.Session().TakeMissing().size(), 2u);
+  EXPECT_THAT(world.messages.shown, IsEmpty());
+}
+
+TEST_F(MdacAndJet, StayDeletedBelowAKeptRow) {
+  AddKit();
+  world.AddSystemFile("x.dll");
+  world.SetVb6File({"[x.dll]", "Uses1=dao360.dll", "[dao360.dll]", "Replace=mdac_typ.exe"});
+  list.Append("<WinSysDir>\\x.dll", "<WinSysDir>", "0");
+
+  EXPECT_TRUE(world.Add("x.dll"));
+
+  EXPECT_EQ(list.RowCount(), 1u);
+  EXPECT_THAT(world.ToDo(), IsEmpty());
+  EXPECT_THAT(world.messages.shown, IsEmpty());
+}
+
+// The row was packed while the option was off, and stays in the package. Nobody would run it
+// without its line.
+TEST_F(MdacAndJet, KeepTheirLinesWithTheirRowsWhenThePredefinedSetupIsChosenLater) {
+  AddKit();
+  EXPECT_TRUE(world.Add("dao360.dll"));
+  world.application.document.extra_todo_lines.clear();
+  world.application.use_runtime_setup = true;
+  ScanSession later(world.application, world.view, world.dialog);
+  DependencyResolver resolver(later);
+
+  resolver.AddInstallerLinesOfKeptRows();
+
+  EXPECT_THAT(world.ToDo(), ElementsAre(kMdacLine, kJetLine));
+}
+
 TEST_F(MdacAndJet, ReplaceAComponentThatOnlyTheProductFileKnowsSo) {
   AddKit();
   world.AddSystemFile("rdo.dll");

@@ -157,6 +157,263 @@ TEST_F(ScanRun, GivesTheScriptLinesBackToRowsOutOfTheSettingsFile) {
   EXPECT_EQ(world.application.document.files.Rows(), rows.Rows());
 }
 
+// --- A list that an earlier Scan left incomplete
+
+class SecondScan : public ScanRun {
+ protected:
+  // x.ocx needs n1.dll and n2.dll, has a script line, and is what the project names.
+  SecondScan() {
+    for (const char* name : {"x.ocx", "n1.dll", "n2.dll"}) world.AddSystemFile(name);
+    world.RegisterLibrary(kGuid2, "1.2", "C:\\Windows\\System32\\x.ocx");
+    world.SetVbProject(
+        {"Type=Exe", "Object=" + std::string(kGuid2) + "#1.2#0; x.ocx", "ExeName32=\"Demo.exe\""});
+    world.SetVb6File({"[x.ocx]", "Uses1=n1.dll", "Uses2=n2.dll", "I1=x line"});
+  }
+  // What a save and the next process leave of the document: the rows.
+  void StartTheNextProcess() {
+    const FileList rows = world.application.document.files;
+    world.application.document = {};
+    world.application.document.files = rows;
+    world.BuildVariables();
+  }
+  [[nodiscard]] FileList& Rows() { return world.application.document.files; }
+  [[nodiscard]] std::size_t RowOf(const std::string& name) {
+    return Rows().Find("<WinSysDir>\\" + name, FileColumn::kSource);
+  }
+};
+
+// Ended with "OK" and nothing missing.
+TEST_F(SecondScan, MissesAgainWhatStillIsNotThere) {
+  world.files.Vanish("C:\\Windows\\System32\\n1.dll");
+  const MissingItem lost{"n1.dll", {"Demo.vbp", "x.ocx", "n1.dll"}};
+  EXPECT_THAT(world.Run().missing, ElementsAre(lost));
+
+  EXPECT_THAT(world.Run().missing, ElementsAre(lost));
+
+  StartTheNextProcess();
+  EXPECT_THAT(world.Run().missing, ElementsAre(lost));
+  EXPECT_THAT(world.Kinds(), ElementsAre("Demo.txs 0", "x.ocx 0", "n2.dll 0", "Demo.exe 0"));
+}
+
+TEST_F(SecondScan, AddsWhatWasMissingAndHasCome) {
+  world.files.Vanish("C:\\Windows\\System32\\n1.dll");
+  static_cast<void>(world.Run());
+  world.AddSystemFile("n1.dll");
+
+  EXPECT_THAT(world.Run().missing, IsEmpty());
+
+  EXPECT_THAT(world.Kinds(), Contains("n1.dll 0"));
+}
+
+TEST_F(SecondScan, AddsWhatTheUserFindsForAFileThatASavedListLacks) {
+  world.files.Vanish("C:\\Windows\\System32\\n1.dll");
+  static_cast<void>(world.Run());
+  StartTheNextProcess();
+  world.files.AddDrive('D');
+  world.files.AddFile("D:\\Kept\\n1.dll", "");
+  world.dialog.answers = {{SearchFileResult::kOk, "D:\\Kept"}};
+
+  EXPECT_THAT(world.Run().missing, IsEmpty());
+
+  EXPECT_THAT(world.Sources(), Contains("D:\\Kept\\n1.dll"));
+}
+
+TEST_F(SecondScan, LeavesDeletedWhatStandsBesideAFileThatWasMissing) {
+  world.files.Vanish("C:\\Windows\\System32\\n1.dll");
+  static_cast<void>(world.Run());
+  Rows().DeleteRows({RowOf("n2.dll")});
+  world.AddSystemFile("n1.dll");
+
+  static_cast<void>(world.Run());
+
+  EXPECT_THAT(world.Kinds(), Contains("n1.dll 0"));
+  EXPECT_THAT(world.Kinds(), Not(Contains("n2.dll 0")));
+}
+
+// It said "OK" over a list without the rest.
+TEST_F(SecondScan, CompletesWhatCancelCutWhereverItWas) {
+  static_cast<void>(world.Run());
+  const std::size_t events = world.view.events_run;
+  std::vector<std::string> whole = world.Sources();
+  std::sort(whole.begin(), whole.end());
+
+  for (std::size_t at = 1; at <= events; ++at) {
+    Rows().Clear();
+    world.application.document.extra_todo_lines.clear();
+    world.view.events_run = 0;
+    world.view.on_events = [&](RecordingScanView& view) {
+      if (view.events_run == at) view.PressCancel();
+    };
+    EXPECT_FALSE(world.Run().succeeded) << at;
+    world.view.on_events = nullptr;
+
+    EXPECT_TRUE(world.Run().succeeded) << at;
+
+    std::vector<std::string> sources = world.Sources();
+    std::sort(sources.begin(), sources.end());
+    EXPECT_EQ(sources, whole) << at;
+    EXPECT_TRUE(world.HasToDo("x line")) << at;
+  }
+}
+
+TEST_F(SecondScan, CompletesWhatALockedDependencyFileCut) {
+  world.files.AddFile("C:\\Windows\\System32\\n1.dep", Lines({"[n1.dll]", "Uses1=deep.dll"}));
+  world.AddSystemFile("deep.dll");
+  world.files.FailPath("C:\\Windows\\System32\\n1.dep", "OpenForReading",
+                       ErrorNumber::kPermissionDenied);
+  EXPECT_FALSE(world.Run().succeeded);
+  EXPECT_THAT(world.messages.Ids(), ElementsAre(907));
+  world.files.StopFailing();
+
+  EXPECT_TRUE(world.Run().succeeded);
+
+  for (const char* row : {"n1.dll 0", "deep.dll 0", "n2.dll 0"}) {
+    EXPECT_THAT(world.Kinds(), Contains(row));
+  }
+  EXPECT_TRUE(world.HasToDo("x line"));
+}
+
+// The product's source of the driver comes after the usual one, which failed.
+TEST_F(SecondScan, CompletesTheProductsPartOfADriverThatFailed) {
+  world.RegisterDriver("Drv", "C:\\Tavix\\drv.exe", "Driver");
+  world.files.AddFile("C:\\Tavix\\drv.exe", "");
+  world.files.AddFile("C:\\Tavix\\drv.dep", Lines({"[drv.exe]", "Uses1=n1.dll"}));
+  world.files.AddFile("C:\\Windows\\System32\\n1.dep", Lines({"[n1.dll]"}));
+  world.SetProductFile({"[drv.exe]", "Uses1=deep.dll"});
+  world.AddSystemFile("deep.dll");
+  world.SetStudioProject({"[device1]", "ProgID=Drv"});
+  world.files.FailPath("C:\\Windows\\System32\\n1.dep", "OpenForReading",
+                       ErrorNumber::kPermissionDenied);
+  EXPECT_FALSE(world.Run().succeeded);
+  world.files.StopFailing();
+
+  EXPECT_TRUE(world.Run().succeeded);
+
+  EXPECT_THAT(world.Kinds(), Contains("deep.dll 0"));
+}
+
+TEST_F(SecondScan, KeepsTheRegistrationThatTheUserGaveARowThatWasCut) {
+  world.SetVb6File({"[x.ocx]", "Register=$(DLLSelfRegister)", "Uses1=n1.dll", "Uses2=n2.dll"});
+  world.view.on_events = [&](RecordingScanView& view) {
+    if (RowOf("x.ocx") != 0) view.PressCancel();
+  };
+  EXPECT_TRUE(world.Run().cancelled);
+  world.view.on_events = nullptr;
+  Rows().SetCell(RowOf("x.ocx"), FileColumn::kRegister, "0");
+
+  EXPECT_TRUE(world.Run().succeeded);
+
+  EXPECT_EQ(Rows().Row(RowOf("x.ocx")).registration, "0");
+  EXPECT_THAT(world.Kinds(), Contains("n2.dll 0"));
+}
+
+// What is deleted after a Scan that ended well stays deleted, whatever became of an earlier one.
+TEST_F(SecondScan, ForgetsWhatWasCutOnceItIsComplete) {
+  world.view.on_events = [&](RecordingScanView& view) {
+    if (RowOf("x.ocx") != 0) view.PressCancel();
+  };
+  EXPECT_TRUE(world.Run().cancelled);
+  world.view.on_events = nullptr;
+  EXPECT_TRUE(world.Run().succeeded);
+  Rows().DeleteRows({RowOf("n2.dll")});
+
+  EXPECT_TRUE(world.Run().succeeded);
+
+  EXPECT_THAT(world.Kinds(), Not(Contains("n2.dll 0")));
+}
+
+// Adding makes script lines as well, and the rows out of the settings file then counted as done.
+TEST_F(SecondScan, GivesTheLinesBackToSavedRowsWhenAFileWasAddedBefore) {
+  static_cast<void>(world.Run());
+  StartTheNextProcess();
+  world.AddSystemFile("own.dll");
+  world.SetVb6File(
+      {"[x.ocx]", "Uses1=n1.dll", "Uses2=n2.dll", "I1=x line", "[own.dll]", "I1=own line"});
+  EXPECT_TRUE(
+      AddFileByHand(world.application, world.view, world.dialog, "C:\\Windows\\System32\\own.dll"));
+
+  EXPECT_TRUE(world.Run().succeeded);
+
+  EXPECT_TRUE(world.HasToDo("own line"));
+  EXPECT_TRUE(world.HasToDo("x line"));
+}
+
+// "scan --save" and "create --scan" made a shorter script than "create --scan" alone.
+TEST_F(SecondScan, GivesTheLinesBackThatBelongToNoRow) {
+  world.application.use_runtime_setup = true;
+  world.files.AddFile("C:\\Tavix\\SetupKit\\TXSRuntimeServerSetup.exe", "");
+  world.files.AddFile("C:\\Tavix\\SetupKit\\TXSRuntimeServerSetup.ini",
+                      Lines({"[Files]", "1=data.dll", "2=away.dll"}));
+  world.AddSystemFile("data.dll");
+  world.SetVb6File({"[x.ocx]", "Uses1=Reports", "Uses2=data.dll", "[Reports]", "Uses1=away.dll",
+                    "Uses2=n1.dll", "I1=reports line", "[data.dll]", "I1=data line", "[away.dll]",
+                    "I1=away line"});
+  static_cast<void>(world.Run());
+  const std::vector<std::string> lines = world.ToDo();
+  for (const char* line : {"reports line", "data line", "away line"}) {
+    ASSERT_TRUE(world.HasToDo(line)) << line;
+  }
+  Rows().DeleteRows({RowOf("n1.dll")});
+  const std::vector<std::string> rows = world.Sources();
+  StartTheNextProcess();
+
+  EXPECT_THAT(world.Run().missing,
+              ElementsAre(testing::Field(&MissingItem::name, "TXSRuntimeClientSetup.exe")));
+
+  EXPECT_EQ(world.ToDo(), lines);
+  EXPECT_EQ(world.Sources(), rows);
+}
+
+// A dependency file beside the caller tells of the files that it names, too.
+TEST_F(SecondScan, GivesTheLinesBackThatStandInTheFileOfTheOneThatNeedsTheRow) {
+  world.files.AddFile("C:\\Windows\\System32\\x.dep",
+                      Lines({"[x.ocx]", "Uses1=n1.dll", "[n1.dll]", "I1=n1 line"}));
+  static_cast<void>(world.Run());
+  ASSERT_TRUE(world.HasToDo("n1 line"));
+  StartTheNextProcess();
+
+  static_cast<void>(world.Run());
+
+  EXPECT_TRUE(world.HasToDo("n1 line"));
+}
+
+TEST_F(SecondScan, GivesTheLinesBackToARowThatTheProjectNoLongerNames) {
+  static_cast<void>(world.Run());
+  StartTheNextProcess();
+  world.SetVbProject({"Type=Exe", "ExeName32=\"Demo.exe\""});
+
+  EXPECT_TRUE(world.Run().succeeded);
+
+  EXPECT_TRUE(world.HasToDo("x line"));
+}
+
+// --- the cost of looking through what is there
+
+TEST_F(SecondScan, TakesNoMoreWorkThanTheFirst) {
+  constexpr int kCount = 200;
+  std::vector<std::string> lines = {"[x.ocx]"};
+  for (int i = 0; i < kCount; ++i) {
+    lines.push_back("Uses" + std::to_string(i + 1) + "=u" + std::to_string(i) + ".dll");
+  }
+  for (int i = 0; i < kCount; ++i) {  // each of them names all of the others
+    world.AddSystemFile("u" + std::to_string(i) + ".dll");
+    lines.push_back("[u" + std::to_string(i) + ".dll]");
+    for (int j = 0; j < kCount; ++j) {
+      lines.push_back("Uses" + std::to_string(j + 1) + "=u" + std::to_string(j) + ".dll");
+    }
+  }
+  world.SetVb6File(lines);
+  static_cast<void>(world.Run());
+  const std::size_t first = world.files.diary.size();
+  world.files.diary.clear();
+  StartTheNextProcess();
+
+  static_cast<void>(world.Run());
+
+  EXPECT_LE(world.files.diary.size(), first + 100);
+  EXPECT_EQ(world.Opened(kVb6File), 0u);  // unchanged since the first Scan
+}
+
 TEST_F(ScanRun, EndsBeforeTheVisualBasicStageWhenCancelledInTheFirst) {
   SetTheScene();
   world.view.on_events = [](RecordingScanView& view) { view.PressCancel(); };
@@ -355,6 +612,63 @@ TEST_F(FilesByHand, StartAfreshAfterOneThatFailed) {
   EXPECT_TRUE(adding.Add("C:\\Demo\\b.dll"));
 
   EXPECT_THAT(world.Kinds(), ElementsAre("a.dll 0", "b.dll 0", "d.dll 0"));
+}
+
+// The setups were only in use during a Scan.
+TEST_F(FilesByHand, DoNotBringWhatThePredefinedSetupsInstall) {
+  world.application.use_runtime_setup = true;
+  world.files.AddFile("C:\\Tavix\\SetupKit\\TXSRuntimeServerSetup.exe", "");
+  world.files.AddFile("C:\\Tavix\\SetupKit\\TXSRuntimeServerSetup.ini",
+                      Lines({"[Files]", "1=c.dll", "2=b.dll"}));
+  world.application.document.files.Append("<TavixMainDir>\\SetupKit\\TXSRuntimeServerSetup.exe",
+                                          "<TavixMainDir>\\SetupKit", "0");
+  world.SetVb6File({"[a.dll]", "Uses1=c.dll"});
+
+  EXPECT_TRUE(adding.Add("C:\\Demo\\a.dll"));
+  EXPECT_TRUE(adding.Add("C:\\Demo\\b.dll"));  // chosen on purpose
+
+  EXPECT_THAT(world.Kinds(), ElementsAre("TXSRuntimeServerSetup.exe 0", "a.dll 0", "b.dll 0"));
+}
+
+TEST_F(FilesByHand, BringEverythingWhereThePredefinedSetupIsNotListed) {
+  world.application.use_runtime_setup = true;
+  world.files.AddFile("C:\\Tavix\\SetupKit\\TXSRuntimeServerSetup.exe", "");
+  world.files.AddFile("C:\\Tavix\\SetupKit\\TXSRuntimeServerSetup.ini",
+                      Lines({"[Files]", "1=c.dll"}));
+  world.SetVb6File({"[a.dll]", "Uses1=c.dll"});
+
+  EXPECT_TRUE(adding.Add("C:\\Demo\\a.dll"));
+
+  EXPECT_THAT(world.Kinds(), ElementsAre("a.dll 0", "c.dll 0"));
+}
+
+TEST_F(FilesByHand, SayWhyThePredefinedSetupCannotBeRead) {
+  world.application.use_runtime_setup = true;
+  const std::string description = "C:\\Tavix\\SetupKit\\TXSRuntimeServerSetup.ini";
+  world.files.AddFile("C:\\Tavix\\SetupKit\\TXSRuntimeServerSetup.exe", "");
+  world.files.AddFile(description, Lines({"[Files]", "1=c.dll"}));
+  world.files.FailPath(description, "OpenForReading", ErrorNumber::kPermissionDenied);
+  world.application.document.files.Append("<TavixMainDir>\\SetupKit\\TXSRuntimeServerSetup.exe",
+                                          "<TavixMainDir>\\SetupKit", "0");
+
+  EXPECT_FALSE(adding.IsListed("C:\\Demo\\a.dll"));
+  EXPECT_FALSE(adding.Add("C:\\Demo\\a.dll"));
+
+  EXPECT_THAT(world.messages.Ids(), ElementsAre(907));
+}
+
+// The next Scan knew the row and took the rest for deleted.
+TEST_F(FilesByHand, AreCompletedByTheNextScanAfterOneThatFailed) {
+  world.files.AddFile("C:\\Demo\\b.dep", Lines({"[b.dll]"}));
+  world.files.FailPath("C:\\Demo\\b.dep", "OpenForReading", ErrorNumber::kPermissionDenied);
+  world.SetVb6File({"[a.dll]", "Uses1=C:\\Demo\\b.dll", "Uses2=C:\\Demo\\c.dll"});
+  EXPECT_FALSE(adding.Add("C:\\Demo\\a.dll"));
+  world.files.StopFailing();
+
+  EXPECT_TRUE(world.Run().succeeded);
+
+  EXPECT_THAT(world.Kinds(), Contains("b.dll 0"));
+  EXPECT_THAT(world.Kinds(), Contains("c.dll 0"));
 }
 
 TEST_F(FilesByHand, ReadEachDependencyFileOnce) {

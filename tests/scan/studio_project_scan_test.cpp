@@ -184,6 +184,52 @@ TEST_F(StudioScan, AddsADriverWithItsRegistration) {
   EXPECT_TRUE(world.HasToDo(Line("Drivers\\Drv.Device|Name|Fieldbus|1)")));
 }
 
+// The registration of a driver that was not packaged was written all the same.
+TEST_F(StudioScan, DoesNotRegisterADriverThatWasLeftOut) {
+  for (const SearchFileResult answer : {SearchFileResult::kIgnore, SearchFileResult::kCancel}) {
+    ResolutionWorld left_out;
+    left_out.RegisterDriver("Drv.Device", "C:\\Gone\\drv.exe", "Fieldbus");
+    left_out.SetStudioProject({"[device1]", "ProgID=Drv.Device"});
+    left_out.dialog.answers = {{answer, {}}};
+
+    EXPECT_TRUE(ScanStudioProject(left_out.Session(), left_out.Resolver()));
+
+    EXPECT_THAT(left_out.Kinds(), ElementsAre("Demo.txs 0"));
+    EXPECT_FALSE(left_out.HasToDo(Line("Drivers\\Drv.Device|Path|C:\\Gone\\drv.exe|1)")));
+    EXPECT_FALSE(left_out.HasToDo(Line("Drivers\\Drv.Device|Name|Fieldbus|1)")));
+  }
+}
+
+TEST_F(StudioScan, RegistersADriverWhereTheUserFindsIt) {
+  world.RegisterDriver("Drv.Device", "C:\\Gone\\drv.exe", "Fieldbus");
+  world.files.AddFile("C:\\Tavix\\Old\\drv.exe", "");
+  world.SetStudioProject({"[device1]", "ProgID=Drv.Device"});
+  world.dialog.answers = {{SearchFileResult::kOk, "C:\\Tavix\\Old"}};
+
+  EXPECT_TRUE(Scan());
+
+  EXPECT_TRUE(world.HasToDo(Line("Drivers\\Drv.Device|Path|<TavixMainDir>\\Old\\drv.exe|1)")));
+}
+
+TEST_F(StudioScan, RegistersADriverThatTheTargetComputerHasAnyway) {
+  world.RegisterDriver("Drv.System", "C:\\Gone\\system.exe", "System");
+  world.RegisterDriver("Drv.Covered", "C:\\Gone\\covered.exe", "Covered");
+  world.application.document.system_files.excluded = {"system.exe"};
+  world.application.use_runtime_setup = true;
+  for (const char* name : {"TXSRuntimeServerSetup.exe", "TXSRuntimeClientSetup.exe"}) {
+    world.files.AddFile(std::string("C:\\Tavix\\SetupKit\\") + name, "");
+  }
+  world.files.AddFile("C:\\Tavix\\SetupKit\\TXSRuntimeServerSetup.ini",
+                      Lines({"[Files]", "1=covered.exe"}));
+  world.SetStudioProject({"[device1]", "ProgID=Drv.System", "[device2]", "ProgID=Drv.Covered"});
+
+  EXPECT_TRUE(Scan());
+
+  EXPECT_TRUE(world.HasToDo(Line("Drivers\\Drv.System|Name|System|1)")));
+  EXPECT_TRUE(world.HasToDo(Line("Drivers\\Drv.Covered|Name|Covered|1)")));
+  EXPECT_THAT(world.dialog.requests, IsEmpty());
+}
+
 TEST_F(StudioScan, PackagesTheDriversOfTheFirstFiveDevicesOnly) {
   std::vector<std::string> lines;
   for (int i = 1; i <= 7; ++i) {
