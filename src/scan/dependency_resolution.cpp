@@ -137,6 +137,12 @@ bool DependencyResolver::Visit(const ScanSession::Located& located, bool is_syst
   if (force == Force::kNo && done.usual && done.product) return true;
 
   std::optional<Section> section = FindSection(located.path, source);
+  if ((force == Force::kYes || !listed) && IsReplacedByMdac(located.path, section)) {
+    mdac_needed_by_ = FileName(located.path);
+    if (!kept) return AddMdacAndJet(Force::kYes);
+    AskForMissingInstallers();
+    return true;
+  }
   const bool is_product = section && section->source == Product();
   SourcesRead& seen = (kept ? looked_through_ : read_)[key];
   // Where the product has nothing to say it has been asked all the same: a file that many name must
@@ -144,12 +150,6 @@ bool DependencyResolver::Visit(const ScanSession::Located& located, bool is_syst
   if (is_product || source == Product()) seen.product = true;
   if (section && !is_product) seen.usual = true;
 
-  if ((force == Force::kYes || !listed) && IsReplacedByMdac(located.path, section)) {
-    mdac_needed_by_ = FileName(located.path);
-    if (!kept) return AddMdacAndJet(Force::kYes);
-    AskForMissingInstallers();
-    return true;
-  }
   if (is_system) return true;
   const bool is_deleted = kept && !listed && is_found && !session_.IsCovered(located);
   if (is_deleted) return true;

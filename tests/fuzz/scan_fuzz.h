@@ -42,10 +42,29 @@ class ScanFuzzWorld : public ScanWorld {
     Require(files.AllFiles().size() == files_before, "a Scan leaves the files as they are");
     CheckRows();
     CheckMissing(result);
+    CheckNextProcess(result);
     return result;
   }
 
  private:
+  // The settings file keeps the rows and nothing else; the next Scan has nothing to add to them.
+  void CheckNextProcess(const ScanResult& result) {
+    if (!result.succeeded) return;
+    const SetupDocument document = application.document;
+    const std::vector<Message> shown = messages.shown;
+    const std::vector<MemoryFileSystem::DiaryEntry> diary = files.diary;
+    application.document.extra_todo_lines.clear();
+    application.document.unfinished_files.clear();
+
+    Require(Run().succeeded, "what can be scanned can be scanned again");
+    Require(application.document.files.Rows() == document.files.Rows(),
+            "a second Scan adds no row");
+
+    application.document = document;
+    messages.shown = shown;
+    files.diary = diary;
+  }
+
   void CheckRows() const {
     std::set<std::string> sources;
     for (const FileRow& row : application.document.files.Rows()) {

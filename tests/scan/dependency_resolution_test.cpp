@@ -675,6 +675,21 @@ TEST_F(MdacAndJet, DoNotBringTheFullInstallerBackBesideTheMinimalOne) {
   EXPECT_THAT(world.Kinds(), ElementsAre("Mdac_min.exe ", "Jet40Sp3_Comp.exe 0"));
 }
 
+TEST_F(MdacAndJet, DoNotHideWhatAComponentNeedsThatOneSourceOnlyCallsReplaced) {
+  AddKit();
+  world.AddSystemFile("need.dll");
+  world.files.AddFile("C:\\Srv\\a.ocx", "");
+  world.files.AddFile("C:\\Srv\\a.dep",
+                      Lines({"[a.ocx]", "Uses1=rdo.dll", "[rdo.dll]", "Replace=mdac_typ.exe"}));
+  world.AddSystemFile("rdo.dll");
+  world.SetVb6File({"[rdo.dll]", "Uses1=need.dll"});
+
+  EXPECT_TRUE(world.Add("C:\\Srv\\a.ocx"));
+  EXPECT_TRUE(world.Add("rdo.dll"));
+
+  EXPECT_THAT(world.Kinds(), testing::IsSupersetOf({"rdo.dll 0", "need.dll 0"}));
+}
+
 TEST_F(MdacAndJet, HaveNothingToDoWithAnotherReplacement) {
   world.AddSystemFile("x.dll");
 
