@@ -33,6 +33,7 @@ constexpr char kGermanStartmenuFolder[] = "Visualisierung";
 constexpr char kEnglishStartmenuFolder[] = "Visualization";
 
 constexpr long kMessageWriting = 911;
+constexpr long kMessageCannotEdit = 901;
 constexpr long kMessageNotRead = 1931;
 constexpr long kMessageChangedByAnother = 1933;
 
@@ -346,9 +347,10 @@ std::uint64_t DigestOf(const ProfileDocument& settings) {
   return digest.Value();
 }
 
-// Why a save would replace what the user has never seen.
+// Why a save would write where no settings belong, or replace what the user has never seen.
 enum class Obstacle {
   kNone,
+  kNoDirectory,       // "\Demo.swz" of whatever drive is current would be written
   kNotRead,           // the defaults that were shown instead would take its place
   kChangedByAnother,  // the changes would be undone
 };
@@ -397,6 +399,7 @@ void WriteInto(ProfileDocument& settings, SetupDocument& document) {
 // Nothing is written when there is an obstacle.
 Obstacle TryToWrite(Application& application) {
   SetupDocument& document = application.document;
+  if (application.project.directory.empty()) return Obstacle::kNoDirectory;
   // Not even looked at: what could not be read may still be unreadable.
   if (document.settings_source == SettingsSource::kUnread) return Obstacle::kNotRead;
   Obstacle obstacle = Obstacle::kNone;
@@ -432,6 +435,8 @@ void ReadSettings(Application& application) {
   Settings read = defaults;
   Take(std::move(defaults), application.document);
   application.document.settings_source = SettingsSource::kUnread;
+  // "\Demo.swz" of whatever drive is current would be read.
+  if (application.project.directory.empty()) return;
 
   const std::string studio_project_file = application.project.StudioProjectFile();
   if (application.configurator != nullptr) {
@@ -473,12 +478,15 @@ void WriteSettings(Application& application) {
   switch (TryToWrite(application)) {
     case Obstacle::kNone:
       return;
+    case Obstacle::kNoDirectory:
+      throw RuntimeError(ErrorNumber::kPathNotFound,
+                         application.project.name + ": no directory is registered");
     case Obstacle::kNotRead:
       throw RuntimeError(ErrorNumber::kAlreadyExists,
                          file + ": was not read when the project was opened");
     case Obstacle::kChangedByAnother:
       throw RuntimeError(ErrorNumber::kAlreadyExists,
-                         file + ": was changed by another program since it was read");
+                         file + ": has been changed by another program since it was read");
   }
 }
 
@@ -490,6 +498,9 @@ bool SaveSettings(Application& application) {
     switch (TryToWrite(application)) {
       case Obstacle::kNone:
         return true;
+      case Obstacle::kNoDirectory:
+        ShowWarning(application, kMessageCannotEdit, {application.project.name});
+        break;
       case Obstacle::kNotRead:
         ShowWarning(application, kMessageNotRead, {file});
         break;

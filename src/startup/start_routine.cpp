@@ -45,6 +45,11 @@ void RunInteractive(Application& application, InteractiveShell& shell) {
   LoadMainFormState(application);
   // Unreadable settings were reported; the form then shows the defaults.
   static_cast<void>(OpenProject(application, std::string(application.project.name)));
+  // A path was given, and no project of that name is registered. The form is shown all the same; it
+  // has read nothing and saves nothing.
+  if (application.project.directory.empty()) {
+    ShowWarning(application, kMessageCannotEdit, {application.project.name});
+  }
   shell.RunMainForm(application);
 }
 

@@ -203,6 +203,29 @@ TEST(SettingsFileFailures, SettingsThatWereNotReadMayBeReplacedWhenTheUserClears
   EXPECT_EQ(world.Get(kSettingsPath).find("01=a.dll"), std::string::npos);
 }
 
+// "\Demo.swz" of whatever drive was current was read, and written by a save.
+TEST(SettingsFileFailures, ProjectWithoutADirectoryHasNoSettingsInTheRootOfTheDrive) {
+  constexpr char kInTheRoot[] = "\\Demo.swz";
+  DocumentWorld world;
+  Application& application = world.application;
+  application.project.directory.clear();
+  world.Put(kInTheRoot, kOld);
+
+  ReadSettings(application);
+  EXPECT_EQ(application.document.files.RowCount(), 0u);
+  EXPECT_EQ(application.document.steps.info.german[0], "");
+
+  EXPECT_FALSE(SaveSettings(application));
+  ClearSettings(application);
+  EXPECT_FALSE(SaveSettings(application));
+  EXPECT_EQ(world.NumberOfErrorFrom([&] { WriteSettings(application); }),
+            ErrorNumber::kPathNotFound);
+
+  EXPECT_EQ(world.Get(kInTheRoot), kOld);
+  EXPECT_EQ(world.MessageIds(), (std::vector<long>{901, 901}));
+  EXPECT_NE(world.Prompts()[0].find("'Demo'"), std::string::npos);
+}
+
 // As when the share with the project was away while it was opened.
 TEST(SettingsFileFailures, FileThatAppearedSinceTheOpeningIsNotReplaced) {
   DocumentWorld world;

@@ -227,12 +227,29 @@ TEST_F(StartRoutineTest, InteractiveStartTakesTheRegisteredDirectoryOverTheGiven
   EXPECT_EQ(shell.project.directory, "C:\\Projects\\Demo\\");
 }
 
-TEST_F(StartRoutineTest, GivenDirectoryOfAnUnregisteredProjectShowsTheFormAllTheSame) {
+// A mistyped path opened an empty wizard without a word.
+TEST_F(StartRoutineTest, GivenDirectoryOfAnUnregisteredProjectShowsMessage901BeforeTheForm) {
+  EXPECT_EQ(Run("C:\\Elsewhere\\Other.txs"), 0);
+
+  ASSERT_EQ(world.message_boxes.shown.size(), 1u);
+  EXPECT_THAT(world.message_boxes.shown[0].title, HasSubstr("901"));
+  EXPECT_THAT(world.message_boxes.shown[0].prompt, HasSubstr("'Other'"));
+  EXPECT_EQ(world.message_boxes.shown[0].buttons, kIconExclamation);
+  EXPECT_EQ(shell.forms, 1);
+  EXPECT_EQ(shell.project.name, "Other");
+}
+
+// The settings of whatever lay in the root of the current drive were shown as those of the project.
+TEST_F(StartRoutineTest, GivenDirectoryOfAnUnregisteredProjectReadsNoSettings) {
+  for (const char* path : {"\\Other.swz", "C:\\Other.swz", "C:\\Elsewhere\\Other.swz"}) {
+    world.files.AddFile(path, DemoSettings());
+  }
+
   Run("C:\\Elsewhere\\Other.txs");
 
   EXPECT_EQ(shell.forms, 1);
-  EXPECT_EQ(shell.project.name, "Other");
-  EXPECT_TRUE(world.message_boxes.shown.empty());
+  EXPECT_EQ(shell.document.program_name, "");
+  EXPECT_EQ(shell.document.files.RowCount(), 0u);
 }
 
 TEST_F(StartRoutineTest, UnregisteredNameEndsWithMessage901) {
