@@ -86,6 +86,7 @@ ScanResult RunScan(Application& application, ScanView& view, SearchFileDialog& d
   const bool use_setup = application.use_runtime_setup;
   view.Begin(use_setup, application.texts.GetText(use_setup ? kTextRuntimeSetupUsed
                                                             : kTextRuntimeSetupNotUsed));
+  view.ShowCount(application.document.files.RowCount());
   ScanResult result;
   {
     const BusyPointer busy(view);

@@ -105,10 +105,13 @@ TEST_F(ScanRun, AddsNothingTheSecondTime) {
   const FileList rows = world.application.document.files;
   const std::vector<std::string> lines = world.ToDo();
 
+  world.view.count = 0;
   static_cast<void>(world.Run());
 
   EXPECT_EQ(world.application.document.files.Rows(), rows.Rows());
   EXPECT_EQ(world.ToDo(), lines);
+  // It read "0" beside the line that says that all went well.
+  EXPECT_EQ(world.view.count, rows.RowCount());
 }
 
 TEST_F(ScanRun, KeepsTheUsersEditsAndDeletions) {
