@@ -32,6 +32,7 @@ constexpr std::size_t kMostNamed = 100;
 struct Finding {
   long id = 0;
   std::vector<std::string> parameters;
+  const std::string* setting = nullptr;  // that it is about
 };
 
 using MaybeFinding = std::optional<Finding>;
@@ -45,20 +46,24 @@ MaybeFinding CheckPictures(Application& application, Finding& doing) {
   const Bilingual<std::string>& pictures = document.steps.background_picture;
   for (const std::string* picture : {&pictures.german, &pictures.english}) {
     if (picture->empty()) continue;
-    doing = {kPictureMissing, {*picture}};
+    doing = {kPictureMissing, {*picture}, picture};
     const std::string path = SourcePath(document.path_variables, *picture);
-    if (!application.platform.files.FileExists(path)) return Finding{kPictureMissing, {path}};
+    if (!application.platform.files.FileExists(path)) {
+      return Finding{kPictureMissing, {path}, picture};
+    }
   }
   return std::nullopt;
 }
 
 MaybeFinding CheckDirectories(const StepSettings& steps, Finding& doing) {
-  doing = {kDirectoriesMissing, {}};
-  if (IsBlank(steps.tavix_directory) || IsBlank(steps.project_directory)) return doing;
+  for (const std::string* directory : {&steps.tavix_directory, &steps.project_directory}) {
+    doing = {kDirectoriesMissing, {}, directory};
+    if (IsBlank(*directory)) return doing;
+  }
 
   const auto check = [](const std::string& directory) -> MaybeFinding {
     if (IsDriveDirectory(directory)) return std::nullopt;
-    return Finding{kNoDriveDirectory, {directory}};
+    return Finding{kNoDriveDirectory, {directory}, &directory};
   };
   if (MaybeFinding finding = check(steps.tavix_directory)) return finding;
   if (MaybeFinding finding = check(steps.project_directory)) return finding;
@@ -158,14 +163,15 @@ MaybeFinding RunCheck(Application& application, Step step, Finding& doing) {
 
 }  // namespace
 
-bool CheckDocument(Application& application, Step step) {
+bool CheckDocument(Application& application, Step step, const std::string** wrong) {
   Finding doing{kFilesMissing, {}};
   // The check is run from event handlers and by Create, neither of which expects an error: what
   // cannot be checked counts as failed.
   try {
     const MaybeFinding finding = RunCheck(application, step, doing);
     if (!finding) return true;
-    ShowFinding(application, *finding);
+    doing = *finding;
+    ShowFinding(application, doing);
   } catch (const RuntimeError& error) {
     ShowError(application, doing.id, doing.parameters, error);
   } catch (const std::bad_alloc&) {
@@ -175,6 +181,7 @@ bool CheckDocument(Application& application, Step step) {
     ShowError(application, doing.id, doing.parameters,
               RuntimeError(ErrorNumber::kInternal, error.what()));
   }
+  if (wrong != nullptr) *wrong = doing.setting;
   return false;
 }
 

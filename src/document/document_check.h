@@ -1,6 +1,8 @@
 // The checks that run on leaving a step and before Create.
 #pragma once
 
+#include <string>
+
 #include "document/application.h"
 
 namespace txs {
@@ -19,8 +21,10 @@ enum class Step : int {
 // (1712), every listed source file exists (1709), every row has a destination (1710). The first
 // failure shows its message, marks the rows concerned, and returns false. On the way every row's
 // length is taken afresh from its source file, and the step-5 figures (count, bytes, disks) with
-// it. Never throws.
-[[nodiscard]] bool CheckDocument(Application& application, Step step);
+// it. `wrong`, where it is given, is then the text among the document's step settings that the
+// message is about, null when it is about rows. Never throws.
+[[nodiscard]] bool CheckDocument(Application& application, Step step,
+                                 const std::string** wrong = nullptr);
 
 // Takes every row's length afresh from its source file, then the figures of step 5. No message, no
 // mark: a file that is not there, or whose path cannot be resolved, has no length and counts as

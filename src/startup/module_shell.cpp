@@ -6,11 +6,14 @@ namespace txs {
 namespace {
 
 constexpr long kMessageNoWindows = 1900;
+constexpr long kMessageNoDesktop = 1974;
 constexpr long kMessageNoDisplay = 1975;
 constexpr long kMessageNotLoaded = 1976;
 
 long MessageOf(WindowFault fault) {
   switch (fault) {
+    case WindowFault::kNoDesktop:
+      return kMessageNoDesktop;
     case WindowFault::kNoDisplay:
       return kMessageNoDisplay;
     case WindowFault::kNotLoaded:

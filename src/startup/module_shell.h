@@ -9,8 +9,8 @@
 namespace txs {
 
 // Opens the module at the first question. Where that fails each call shows a message that says why
-// and what to do, and does nothing else: 1900 (a build without windows), 1975 (no display) or 1976
-// (the module could not be loaded).
+// and what to do, and does nothing else: 1900 (a build without windows), 1974 (no desktop), 1975
+// (no display) or 1976 (the module could not be loaded).
 class ModuleShell : public InteractiveShell {
  public:
   explicit ModuleShell(WindowModule& module) : module_(module) {}

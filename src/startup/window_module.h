@@ -16,6 +16,7 @@ enum class WindowFault {
   kNoModule,   // a build without windows
   kNotLoaded,  // the module is there and the system refuses it, as a rule for want of the toolkit
   kNoDisplay,  // none is named, or the one that is named does not answer
+  kNoDesktop,  // Windows: a session that nobody sees, as that of a service
 };
 
 // What came of opening: windows exactly when there is no fault.

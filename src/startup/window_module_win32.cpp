@@ -14,11 +14,11 @@ namespace txs {
 OpenedWindows OpenWindowModule([[maybe_unused]] const char* application_title) {
 #ifdef TXS_WITH_WINDOWS
   if (!WindowsCanBeSeen()) {
-    return {.windows = nullptr, .fault = WindowFault::kNoDisplay, .reason = {}};
+    return {.windows = nullptr, .fault = WindowFault::kNoDesktop, .reason = {}};
   }
   Windows* const windows = TxsOpenWindows(application_title);
   return {.windows = windows,
-          .fault = windows == nullptr ? WindowFault::kNoDisplay : WindowFault::kNone,
+          .fault = windows == nullptr ? WindowFault::kNoDesktop : WindowFault::kNone,
           .reason = {}};
 #else
   return {.windows = nullptr, .fault = WindowFault::kNoModule, .reason = {}};

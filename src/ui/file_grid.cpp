@@ -126,6 +126,7 @@ FileGrid::FileGrid(wxWindow* parent, FileList& files, Events events)
   UpdateMarkStyle();
   RememberRows();
   ShowCutTextsAsTooltips(*this);
+  LetTabLeave(*this);
   GetMainWindow()->SetDropTarget(new DropTarget(*this));
   BindEvents();
 }
@@ -145,12 +146,16 @@ void FileGrid::AddColumns() {
         style.alignment | wxALIGN_CENTRE_VERTICAL);
     renderer->EnableEllipsize(style.ellipsis);
     TakeEditsWhenLeft(*renderer);
-    // A click must select a row, never open an editor in which the Delete key would then work on
-    // the text. StartEdit allows editing for as long as it needs.
-    renderer->SetMode(wxDATAVIEW_CELL_INERT);
     AppendColumn(new wxDataViewColumn(wxString(), renderer, ModelColumn(style.column),
                                       FromDIP(style.width), style.alignment,
                                       wxDATAVIEW_COL_RESIZABLE));
+  }
+  // A click must select a row, never open an editor in which the Delete key would then work on the
+  // text. StartEdit allows editing for as long as it needs. Not before all columns are there: where
+  // wxWidgets draws the list, Left and Right go from cell to cell only if some column was editable
+  // when the last one came.
+  for (unsigned int i = 0; i < GetColumnCount(); ++i) {
+    GetColumn(i)->GetRenderer()->SetMode(wxDATAVIEW_CELL_INERT);
   }
 }
 

@@ -102,6 +102,8 @@ void TakeEditsWhenLeft(wxDataViewTextRenderer& renderer) {
                    nullptr);
 }
 
+void LetTabLeave(wxDataViewCtrl& /*list*/) {}
+
 void TakeOpenEdit(wxDataViewCtrl& list) {
   // The list's only child that can be edited is the editor.
   gtk_container_foreach(GTK_CONTAINER(list.GtkGetTreeView()), TakeEdit, nullptr);

@@ -15,6 +15,9 @@ void ShowCutTextsAsTooltips(wxDataViewCtrl& list);
 // clicked elsewhere.
 void TakeEditsWhenLeft(wxDataViewTextRenderer& renderer);
 
+// Tab and Shift+Tab lead out of the list, rather than through all of its cells.
+void LetTabLeave(wxDataViewCtrl& list);
+
 // Ends an open edit as Enter does.
 void TakeOpenEdit(wxDataViewCtrl& list);
 

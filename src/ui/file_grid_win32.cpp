@@ -42,6 +42,15 @@ void ShowCutTextsAsTooltips(wxDataViewCtrl& list) {
 
 void TakeEditsWhenLeft(wxDataViewTextRenderer& /*renderer*/) {}
 
+void LetTabLeave(wxDataViewCtrl& list) {
+  wxWindow* const rows = list.GetMainWindow();
+  rows->Bind(wxEVT_CHAR_HOOK, [&list, rows](wxKeyEvent& event) {
+    // In an editor, which is a window of its own within the rows, Tab takes the edit.
+    const bool on_rows = wxWindow::FindFocus() == rows && !event.HasModifiers();
+    if (!on_rows || !list.HandleAsNavigationKey(event)) event.Skip();
+  });
+}
+
 void TakeOpenEdit(wxDataViewCtrl& list) {
   for (unsigned int i = 0; i < list.GetColumnCount(); ++i) {
     wxDataViewRenderer* const renderer = list.GetColumn(i)->GetRenderer();

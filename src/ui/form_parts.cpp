@@ -1,5 +1,6 @@
 #include "ui/form_parts.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "text/captions.h"
@@ -103,8 +104,18 @@ wxCheckBox* FormParts::AddCheckBox(wxWindow* parent, const std::string& name, lo
 DocumentBox* FormParts::AddBox(wxWindow* parent, const std::string& name) {
   auto* const box = new DocumentBox(parent, FindTextBox(name), application_, presenter_);
   boxes_.push_back(box);
-  if (box->Box().is_directory) AddEdit([box] { box->TakeEdit(); });
+  if (box->Box().is_directory) {
+    // The others have been left, or never entered: what nobody touched is no edit.
+    AddEdit([box] {
+      if (box->HasFocus()) box->TakeEdit();
+    });
+  }
   return box;
+}
+
+DocumentBox* FormParts::ControlOf(const TextBox& box) const {
+  return *std::find_if(boxes_.begin(), boxes_.end(),
+                       [&box](const DocumentBox* control) { return &control->Box() == &box; });
 }
 
 void FormParts::TakeEdits() {

@@ -29,7 +29,7 @@ class DocumentBox : public wxTextCtrl {
               SetupWizardPresenter& presenter);
 
   void ShowDocument();  // forwards nothing
-  void TakeEdit();      // normalises a directory now
+  void TakeEdit();      // normalises a directory, as leaving the box does
   [[nodiscard]] const TextBox& Box() const { return box_; }
 
  private:
@@ -74,6 +74,8 @@ class FormParts {
   wxCheckBox* AddCheckBox(wxWindow* parent, const std::string& name, long id,
                           std::function<void(bool checked)> clicked);
   DocumentBox* AddBox(wxWindow* parent, const std::string& name);
+  // The one that AddBox made of `box`.
+  [[nodiscard]] DocumentBox* ControlOf(const TextBox& box) const;
 
   // Loads all captions, then ties the labels, whose texts are their controls' names.
   void ShowCaptions();

@@ -170,6 +170,20 @@ void FSetupWizard::SelectStep(Step step) {
   FocusStep();
 }
 
+void FSetupWizard::SelectBox(const TextBox& box) {
+  SelectStep(box.step);
+  wxWindow* const control = parts_.ControlOf(box);
+  if (box.step == Step::kTexts) texts_->ShowPageOf(*control);
+  CallAfter([control] { control->SetFocus(); });
+}
+
+void FSetupWizard::SelectUserDirectory(std::size_t index) {
+  SelectStep(Step::kDirectories);
+  CallAfter([this, index] { directories_->SelectDirectory(index); });
+}
+
+bool FSetupWizard::HoldsLooseText() const { return directories_->HoldsLooseText(); }
+
 void FSetupWizard::EnableControls(bool enabled) {
   if (!enabled) focus_before_run_ = FindFocus();
   root_->Enable(enabled);
@@ -280,14 +294,18 @@ void FSetupWizard::OnStepChanged(wxBookCtrlEvent& event) {
   }
   const Step entered = StepOf(event.GetSelection());
   if (entered == step_) return;
+  // Back, until the check has passed: its messages are about what the step shows.
+  tab_step_->ChangeSelection(PageOf(step_));
   parts_.TakeEdits();
-  if (!presenter_.ChangeStep(step_, entered)) {
-    SelectStep(step_);
-    return;
-  }
+  if (!presenter_.ChangeStep(step_, entered)) return;
   step_ = entered;
+  tab_step_->ChangeSelection(PageOf(step_));
   if (step_ == Step::kFiles) files_->Layout();
-  if (!keys_on_tabs_) FocusStep();
+  if (keys_on_tabs_) {
+    tab_step_->SetFocus();  // The way back and forth has taken it.
+  } else {
+    FocusStep();
+  }
 }
 
 void FSetupWizard::FocusStep() {

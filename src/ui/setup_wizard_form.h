@@ -7,6 +7,7 @@
 #include <wx/utils.h>
 #include <wx/weakref.h>
 
+#include <cstddef>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -43,6 +44,9 @@ class FSetupWizard : public wxFrame, public SetupWizardView {
   void ShowFigures() override;
   void ShowUserDirectories() override;
   void SelectStep(Step step) override;
+  void SelectBox(const TextBox& box) override;
+  void SelectUserDirectory(std::size_t index) override;
+  [[nodiscard]] bool HoldsLooseText() const override;
   void EnableControls(bool enabled) override;
   void ShowBusy(bool busy) override;
   void Beep() override;

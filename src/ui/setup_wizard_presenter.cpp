@@ -37,6 +37,9 @@ constexpr long kAskSaveBeforeOpening = 1706;
 constexpr long kNoticeScanAgain = 1714;
 constexpr long kNoticeMinimalMdac = 1715;
 constexpr long kMessageNotCompleted = 1913;
+constexpr long kMessageFolders = 1927;
+// A box that names more would not fit on the screen.
+constexpr std::size_t kMostNamed = 10;
 
 // Runs `undo` at the end of the scope, whatever ends it.
 class AtEnd {
@@ -163,7 +166,11 @@ void SetupWizardPresenter::OpenProject() {
   });
 }
 
-bool SetupWizardPresenter::Save() { return !running_ && SaveSettings(application_); }
+bool SetupWizardPresenter::Save() {
+  if (running_ || !SaveSettings(application_)) return false;
+  if (view_.HoldsLooseText()) application_.document.changed = true;
+  return true;
+}
 
 void SetupWizardPresenter::End() {
   Act([this] {
@@ -212,9 +219,11 @@ bool SetupWizardPresenter::MayClose() {
 
 bool SetupWizardPresenter::ChangeStep(Step left, Step entered) {
   return Act([&] {
-    if (!CheckDocument(application_, left)) {
+    const std::string* wrong = nullptr;
+    if (!CheckDocument(application_, left, &wrong)) {
       view_.RefreshFileList();
       view_.ShowFigures();
+      SelectWrong(left, wrong);
       return false;
     }
     if (entered == Step::kFiles) view_.RefreshFileList();
@@ -224,6 +233,17 @@ bool SetupWizardPresenter::ChangeStep(Step left, Step entered) {
     }
     return true;
   });
+}
+
+void SetupWizardPresenter::SelectWrong(Step step, const std::string* wrong) {
+  StepSettings& steps = application_.document.steps;
+  for (const TextBox& box : TextBoxes()) {
+    if (&box.field(steps) == wrong) return view_.SelectBox(box);
+  }
+  for (std::size_t index = 0; index < steps.user_directories.size(); ++index) {
+    if (&steps.user_directories[index].directory == wrong) return view_.SelectUserDirectory(index);
+  }
+  view_.SelectStep(step);
 }
 
 void SetupWizardPresenter::TextEdited(const TextBox& box, const std::string& text) {
@@ -431,8 +451,14 @@ void SetupWizardPresenter::AddEach(const std::vector<std::string>& paths) {
 
   SilentScanView silent;
   AddingByHand adding(application_, silent, view_.SearchDialog());
+  std::string folders;
+  std::size_t folder_count = 0;
   for (const std::string& path : paths) {
-    if (!IsAbsolutePath(path) || application_.platform.files.FolderExists(path)) continue;
+    if (!IsAbsolutePath(path)) continue;
+    if (application_.platform.files.FolderExists(path)) {
+      if (++folder_count <= kMostNamed) folders += "\r\n" + path;
+      continue;
+    }
     if (IsSystemFile(application_.document.system_files, path)) {
       while_ready([&] {
         return application_.messages.ShowMessage(
@@ -449,6 +475,12 @@ void SetupWizardPresenter::AddEach(const std::vector<std::string>& paths) {
     // A failure has shown its message; the other files were chosen all the same.
     static_cast<void>(adding.Add(path));
   }
+  if (folder_count == 0) return;
+  if (folder_count > kMostNamed) folders += "\r\n...";
+  while_ready([&] {
+    return application_.messages.ShowMessage(
+        application_.texts.Compose(kMessageFolders, {folders}));
+  });
 }
 
 void SetupWizardPresenter::DeleteRows(const std::vector<std::size_t>& rows) {

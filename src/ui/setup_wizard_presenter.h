@@ -27,7 +27,8 @@ class SetupWizardPresenter {
   // Asks 1706 when the document has changed, then for a project; opens it, at step 1, when one was
   // chosen.
   void OpenProject();
-  // False after message 911 when the settings could not be written.
+  // False after its message when the settings could not be written. A directory that was typed and
+  // not added is not among them, and counts as a change again.
   bool Save();
   void End();  // closes the form, which asks MayClose
   void ShowHelpContents();
@@ -39,9 +40,10 @@ class SetupWizardPresenter {
   [[nodiscard]] bool MayClose();
 
   // --- Steps
-  // Checks the document for the step that is left; false (after its message) when `left` must be
-  // selected again, which the form does without a further check. Entering step 5 measures the
-  // files, unless leaving step 4 has just done so.
+  // Checks the document for the step that is left, which the form still shows, since a message may
+  // be about what is seen there. False (after its message) when the form stays there; the view was
+  // then told where to select what is wrong. Entering step 5 measures the files, unless leaving
+  // step 4 has just done so.
   [[nodiscard]] bool ChangeStep(Step left, Step entered);
 
   // The text of a text box was edited. Sets the changed flag.
@@ -72,8 +74,8 @@ class SetupWizardPresenter {
   void Scan();
   void AddFiles();
   // What AddFiles does with the chosen files; also the files that were dropped onto the list. Full
-  // Windows paths; anything else is passed over, and so are folders. A file that cannot be added
-  // does not keep the following ones out.
+  // Windows paths; anything else is passed over. Folders are not added, and named in message 1927.
+  // A file that cannot be added does not keep the following ones out.
   void AddFiles(const std::vector<std::string>& paths);
   void DeleteRows(const std::vector<std::size_t>& rows);
   // A cell was edited: takes the text, clears the row's mark, sets the changed flag. The grid shows
@@ -92,6 +94,8 @@ class SetupWizardPresenter {
   // 1913 and false.
   bool Act(const std::function<bool()>& work);
   [[nodiscard]] MessageResult Ask(long id, const std::vector<std::string>& parameters, int buttons);
+  // Selects what a check of `step` found wrong: one of the step settings, or null for rows.
+  void SelectWrong(Step step, const std::string* wrong);
   // Saves when the answer to question `id` is Yes; false on Cancel or when saving failed.
   [[nodiscard]] bool SaveOnRequest(long id);
   void ShowAll();

@@ -2,6 +2,7 @@
 // tests script it.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "document/document_check.h"
 #include "scan/search_file_dialog.h"
 #include "ui/state_windows.h"
+#include "ui/step_controls.h"
 
 namespace txs {
 
@@ -36,6 +38,11 @@ class SetupWizardView {
   virtual void ShowFigures() = 0;
   virtual void ShowUserDirectories() = 0;
   virtual void SelectStep(Step step) = 0;
+  // The step, the page within it, and the focus.
+  virtual void SelectBox(const TextBox& box) = 0;
+  virtual void SelectUserDirectory(std::size_t index) = 0;
+  // Whether txtUserDirectory holds a text that was not added to the list.
+  [[nodiscard]] virtual bool HoldsLooseText() const = 0;
   // Every control, menus included, is disabled while a run is under way.
   virtual void EnableControls(bool enabled) = 0;
   virtual void ShowBusy(bool busy) = 0;

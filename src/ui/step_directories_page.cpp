@@ -125,7 +125,7 @@ void StepDirectoriesPage::BindList() {
   // Tab leads to a row that would be current and not selected.
   rows_->Bind(wxEVT_SET_FOCUS, [this](wxFocusEvent& event) {
     event.Skip();
-    if (Selected() || list_->GetItemCount() == 0) return;
+    if (stays_unselected_ || Selected() || list_->GetItemCount() == 0) return;
     list_->Select(std::max(list_->GetFocusedItem(), 0L));
   });
   list_->Bind(wxEVT_LIST_KEY_DOWN, [this](wxListEvent& event) {
@@ -221,6 +221,12 @@ void StepDirectoriesPage::ShowUserDirectories() {
   EnableButtons();
 }
 
+void StepDirectoriesPage::SelectDirectory(std::size_t index) {
+  list_->Focus(static_cast<long>(index));
+  list_->Select(static_cast<long>(index));
+  rows_->SetFocus();
+}
+
 std::optional<std::size_t> StepDirectoriesPage::Selected() const {
   const long row = list_->GetFirstSelected();
   if (row < 0) return std::nullopt;
@@ -256,7 +262,9 @@ void StepDirectoriesPage::DeleteDirectory() {
   // must not take it unasked.
   const long following = std::min(static_cast<long>(*selected), list_->GetItemCount() - 1L);
   if (following >= 0) list_->Focus(following);
+  stays_unselected_ = true;
   rows_->SetFocus();
+  stays_unselected_ = false;
 }
 
 void StepDirectoriesPage::BeginRename() {

@@ -26,6 +26,10 @@ class StepDirectoriesPage : public wxPanel {
   // Takes the list from the document anew; the selected row stays selected while it exists. An open
   // edit is dropped.
   void ShowUserDirectories();
+  // The row, counted from 0, and the focus with it.
+  void SelectDirectory(std::size_t index);
+  // Whether txtUserDirectory holds a text, which is in no list.
+  [[nodiscard]] bool HoldsLooseText() const { return !text_->IsEmpty(); }
 
  private:
   wxSizer* AddUserDirectories();
@@ -56,6 +60,7 @@ class StepDirectoriesPage : public wxPanel {
   wxTextCtrl* edit_ = nullptr;          // txtRenameUserDir
   std::vector<long> numbers_;           // of the rows that the list shows
   std::optional<std::size_t> renamed_;  // the row that `edit_` lies on
+  bool stays_unselected_ = false;       // a row was deleted, and the list takes the focus
 };
 
 }  // namespace txs

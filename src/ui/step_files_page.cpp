@@ -68,12 +68,7 @@ StepFilesPage::StepFilesPage(wxWindow* parent, FormParts& parts) : wxPanel(paren
   parts.Announce(grid_, [&parts] { return ToWx(parts.App().texts.GetText(kFilesToInstall)); });
   rows->Add(grid_, wxSizerFlags(1).Expand().Border(wxTOP, FromDIP(8)));
 
-  // Leaving a cell takes its text. Its editor is the toolkit's own: to the form nothing, or the
-  // list, has the focus.
-  parts.AddEdit([this] {
-    const wxWindow* const focus = FindFocus();
-    if (IsShownOnScreen() && (focus == nullptr || focus == grid_)) grid_->SetFocus();
-  });
+  parts.AddEdit([this] { grid_->TakeEdit(); });
 
   hint_ = parts.AddLabel(this, kEmptyList);
   hint_->SetName("lblEmptyList");

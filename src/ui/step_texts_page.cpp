@@ -105,6 +105,13 @@ wxWindow* StepTextsPage::FirstControl() const {
   return first_boxes_.at(static_cast<std::size_t>(tab_language_->GetSelection()));
 }
 
+void StepTextsPage::ShowPageOf(wxWindow& control) {
+  for (std::size_t index = 0; index < tab_language_->GetPageCount(); ++index) {
+    if (tab_language_->GetPage(index)->IsDescendant(&control))
+      tab_language_->ChangeSelection(index);
+  }
+}
+
 bool StepTextsPage::TakeAccessKey(wxChar character) {
   for (std::size_t index = 0; index < access_keys_.size(); ++index) {
     if (access_keys_.at(index) == 0 || access_keys_.at(index) != character) continue;

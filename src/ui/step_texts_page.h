@@ -16,6 +16,8 @@ class StepTextsPage : public wxPanel {
 
   [[nodiscard]] wxWindow* FirstControl() const;
 
+  // Shows the page of `tabLanguage` that `control` is on.
+  void ShowPageOf(wxWindow& control);
   // Whether Alt and this character choose a page of `tabLanguage`; the page is then chosen.
   bool TakeAccessKey(wxChar character);
 

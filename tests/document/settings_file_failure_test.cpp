@@ -263,7 +263,7 @@ TEST(SettingsFileFailures, WhatAnotherProgramHasWrittenMeanwhileIsNotReplaced) {
     EXPECT_TRUE(project.world.application.document.changed);
     ASSERT_EQ(project.world.MessageIds(), (std::vector<long>{1933}));
     EXPECT_NE(project.world.Prompts()[0].find(
-                  "The file 'C:\\Demo\\Demo.swz' was changed by another program"),
+                  "The file 'C:\\Demo\\Demo.swz' has been changed by another program"),
               std::string::npos);
     EXPECT_EQ(project.world.NumberOfErrorFrom([&] { WriteSettings(project.world.application); }),
               ErrorNumber::kAlreadyExists);

@@ -127,8 +127,8 @@ class ScriptedSetupWizardView : public SetupWizardView {
  public:
   // Everything that was asked of the form and its windows, in order: "title", "document", "file
   // list", "figures", "user directories", "step 4", "controls off", "controls on", "busy", "ready",
-  // "beep", "close", "choose project", "choose files", "options", "info", "help", "scan window",
-  // "create window", and what the state windows write.
+  // "box txtInfo11", "directory 0", "beep", "close", "choose project", "choose files", "options",
+  // "info", "help", "scan window", "create window", and what the state windows write.
   std::vector<std::string> diary;
 
   // What is on the screen.
@@ -136,6 +136,7 @@ class ScriptedSetupWizardView : public SetupWizardView {
   std::optional<Step> selected_step;
   bool controls_enabled = true;
   bool busy = false;
+  bool holds_loose_text = false;
   int beeps = 0;
 
   // The script.
@@ -167,6 +168,15 @@ class ScriptedSetupWizardView : public SetupWizardView {
     Note("step " + std::to_string(static_cast<int>(step)));
     selected_step = step;
   }
+  void SelectBox(const TextBox& box) override {
+    Note(std::string("box ") + box.name);
+    selected_step = box.step;
+  }
+  void SelectUserDirectory(std::size_t index) override {
+    Note("directory " + std::to_string(index));
+    selected_step = Step::kDirectories;
+  }
+  [[nodiscard]] bool HoldsLooseText() const override { return holds_loose_text; }
   void EnableControls(bool enabled) override {
     Note(enabled ? "controls on" : "controls off");
     controls_enabled = enabled;

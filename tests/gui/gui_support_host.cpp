@@ -6,7 +6,9 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <stdexcept>
 
+#include "gui/cell_editor.h"
 #include "gui/gui_support.h"
 #include "gui/picture_file.h"
 
@@ -21,6 +23,10 @@ void FindLabelText(GtkWidget* widget, gpointer found) {
   } else if (GTK_IS_CONTAINER(widget)) {
     gtk_container_foreach(GTK_CONTAINER(widget), FindLabelText, found);
   }
+}
+
+void FindEntry(GtkWidget* widget, gpointer found) {
+  if (GTK_IS_ENTRY(widget)) *static_cast<GtkWidget**>(found) = widget;
 }
 
 void NotePaint(GdkFrameClock* /*clock*/, gpointer painted) { *static_cast<bool*>(painted) = true; }
@@ -52,6 +58,13 @@ bool IsInPlace(wxTopLevelWindow& form) {
   return form.GetPosition() == origin - wxPoint(pixels(0), pixels(2)) &&
          form.GetSize() ==
              wxSize(inner.width + pixels(0) + pixels(1), inner.height + pixels(2) + pixels(3));
+}
+
+void SetEditorText(wxDataViewCtrl& list, const std::string& text) {
+  GtkWidget* entry = nullptr;
+  gtk_container_foreach(GTK_CONTAINER(list.GtkGetTreeView()), FindEntry, &entry);
+  if (entry == nullptr) throw std::runtime_error("no editor is open");
+  gtk_entry_set_text(GTK_ENTRY(entry), text.c_str());
 }
 
 bool WaitForFrame(wxTopLevelWindow& form) {

@@ -5,10 +5,13 @@
 #include <oleacc.h>
 #include <wx/dataview.h>
 #include <wx/image.h>
+#include <wx/textctrl.h>
 
 #include <array>
 #include <iterator>
+#include <stdexcept>
 
+#include "gui/cell_editor.h"
 #include "gui/gui_support.h"
 #include "gui/picture_file.h"
 
@@ -56,6 +59,17 @@ BOOL CALLBACK FindTooltip(HWND window, LPARAM found) {
 bool IsInPlace(wxTopLevelWindow& form) { return form.IsShownOnScreen(); }
 
 // Nor does it put off a layout.
+void SetEditorText(wxDataViewCtrl& list, const std::string& text) {
+  for (unsigned int i = 0; i < list.GetColumnCount(); ++i) {
+    auto* const editor =
+        dynamic_cast<wxTextCtrl*>(list.GetColumn(i)->GetRenderer()->GetEditorCtrl());
+    if (editor == nullptr) continue;
+    editor->SetValue(wxString::FromUTF8(text));
+    return;
+  }
+  throw std::runtime_error("no editor is open");
+}
+
 bool WaitForFrame(wxTopLevelWindow& form) {
   LetEventsRun();
   form.Update();

@@ -71,7 +71,8 @@ TEST_P(FInfoInBothLanguages, ShowsEveryTextAndClipsNothing) {
             german ? "für Visual Basic 5.0 und 6.0" : "for Visual Basic 5.0 and 6.0");
   EXPECT_EQ(TextOf(form, "lblInfo201"),
             german ? "Tavix®Studio Setup-Assistent" : "Tavix®Studio Setup Wizard");
-  EXPECT_EQ(TextOf(form, "lblInfo203"), "Tavix®Studio Installation");
+  EXPECT_EQ(TextOf(form, "lblInfo203"),
+            german ? "Tavix®Studio-Installation" : "Tavix®Studio Installation");
   EXPECT_EQ(TextOf(form, "lblInfo205"), german ? "Dateiversion" : "File Version");
   EXPECT_EQ(TextOf(form, "lblInfo202"), "Version");
   EXPECT_TRUE(Control<wxStaticBitmap>(form, "imgApplication").GetBitmap().IsOk());

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "gui/cell_editor.h"
 #include "gui/main_form_support.h"
 #include "ui/info_form.h"
 #include "ui/options_form.h"
@@ -222,6 +223,33 @@ TEST_F(MainForm, ClosingTakesTheRenameUnderWay) {
   EXPECT_THAT(SavedSettings(), HasSubstr("1=E:\\Neu\r\n"));
 }
 
+TEST_F(MainForm, ClosingTakesTheCellThatIsBeingEdited) {
+  Open();
+  GoToStep(4);
+  Grid().StartEdit(1, FileColumn::kDestination);
+  ASSERT_TRUE(WaitFor([&] { return Grid().IsEditing(); }));
+  SetEditorText(Grid(), "<FontDir>");
+  Answer(MessageResult::kYes);
+
+  form_->Close();
+
+  EXPECT_TRUE(WaitFor([&] { return form_ == nullptr; }));
+  EXPECT_TRUE(MessagesAre({1703}));
+  EXPECT_THAT(SavedSettings(), HasSubstr("01=<ProjectDir>\\Demo.exe,<FontDir>,0\r\n"));
+}
+
+// All directories were tidied, not only the one that was being left, and that counted as an edit.
+TEST_F(MainForm, ClosingAsksNothingAboutADirectoryThatNobodyTouched) {
+  Open();
+  Steps().tavix_directory = "C:\\TavixStudio\\";
+  form_->ShowDocument();
+
+  form_->Close();
+
+  EXPECT_TRUE(WaitFor([&] { return form_ == nullptr; }));
+  EXPECT_THAT(MessageIds(), IsEmpty());
+}
+
 // --- Extras and Help
 
 TEST_F(MainForm, F1ShowsTheContentsOfTheHelpOnceWhereverTheFocusIs) {
@@ -370,6 +398,58 @@ TEST_F(MainForm, AFailedCheckLeadsBackToTheStepThatWasLeftWithOneMessage) {
   ClickAt(TabOf(steps, 4));
   EXPECT_TRUE(StepIs(5));
   EXPECT_TRUE(MessagesAre({1712}));
+}
+
+TEST_F(MainForm, AFailedCheckShowsThePageOfThePictureThatIsMissing) {
+  Open();
+  PressKey('E', wxMOD_ALT);
+  EXPECT_TRUE(FocusIs("txtInfo21"));
+  TypeInto("txtBackgroundPicture2", "C:\\gone.bmp");
+  PressKey('C', wxMOD_ALT);
+  EXPECT_TRUE(FocusIs("txtInfo11"));
+
+  PressKey('3', wxMOD_ALT);
+
+  EXPECT_TRUE(MessagesAre({1707}));
+  EXPECT_TRUE(FocusIs("txtBackgroundPicture2"));
+  EXPECT_EQ(Find<wxNotebook>("tabLanguage").GetSelection(), 1);
+  EXPECT_TRUE(StepIs(1));
+  TakePicture(*form_, "main_check_picture");
+}
+
+TEST_F(MainForm, AFailedCheckLeadsToTheDirectoryThatIsWrong) {
+  Open();
+  GoToStep(2);
+  TypeInto("txtProjectDirectory", "nowhere");
+  PressKey('3', wxMOD_ALT);
+  EXPECT_TRUE(MessagesAre({1712}));
+  EXPECT_TRUE(FocusIs("txtProjectDirectory"));
+  TypeInto("txtProjectDirectory", "C:\\Demo");
+
+  Steps().user_directories = {{1, "D:\\Rezepte"}, {2, "neither"}};
+  form_->ShowUserDirectories();
+  PressKey('3', wxMOD_ALT);
+
+  EXPECT_TRUE(MessagesAre({1712, 1712}));
+  auto& list = Find<wxListView>("lvwUserDirectories");
+  EXPECT_TRUE(WaitFor([&] { return list.GetFirstSelected() == 1; }));
+  EXPECT_TRUE(WaitFor([&] { return FocusIsIn(list); }));
+  EXPECT_TRUE(StepIs(2));
+}
+
+// The message about the marked rows stood over a step that shows no rows.
+TEST_F(MainForm, AFailedCheckShowsItsMessageOverTheStepThatWasLeft) {
+  Open();
+  GoToStep(4);
+  Files().Vanish("C:\\Projects\\Demo\\Trend.ocx");
+  int step = 0;
+  world_->messages.SetListener([&](const Message&) { step = SelectedStep(); });
+
+  ClickAt(TabOf(Find<wxNotebook>("tabStep"), 4));
+
+  EXPECT_TRUE(MessagesAre({1709}));
+  EXPECT_EQ(step, 4);
+  EXPECT_TRUE(FocusIs("grdFiles"));
 }
 
 TEST_F(MainForm, LeavingStep4WithMissingFilesMarksThemAndStays) {

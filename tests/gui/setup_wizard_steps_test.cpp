@@ -250,6 +250,41 @@ TEST_F(MainFormSteps, DeleteRemovesTheRowAndLeavesTheOtherNumbers) {
   EXPECT_TRUE(Document().changed);
 }
 
+// The list got the focus back, selected the row that followed, and Delete was ready to take it.
+TEST_F(MainFormSteps, ADoubleClickOnDeleteDeletesOneDirectory) {
+  OpenStep2With({"D:\\Eins", "D:\\Zwei", "D:\\Drei"});
+  ClickAt(CellOf(0));
+  wxButton& button = Button("cmdDeleteUserDir");
+  ASSERT_TRUE(WaitFor([&] { return button.IsEnabled(); }));
+  const wxRect area = button.GetScreenRect();
+
+  DoubleClickAt(area.GetPosition() + area.GetSize() / 2);
+
+  EXPECT_TRUE(WaitFor([&] { return List().GetItemCount() < 3; }));
+  LetEventsRun();
+  EXPECT_THAT(Directories(), ElementsAre("D:\\Zwei", "D:\\Drei"));
+  EXPECT_EQ(List().GetFirstSelected(), -1);
+  EXPECT_FALSE(button.IsEnabled());
+  PressKey(WXK_DOWN);
+  EXPECT_TRUE(WaitFor([&] { return List().GetFirstSelected() >= 0; }));
+}
+
+// Closing dropped the text without a word: the save had taken back that something changed.
+TEST_F(MainFormSteps, ADirectoryThatWasTypedAndNotAddedIsAChangeAfterASaveToo) {
+  OpenStep2With({});
+  TypeInto("txtUserDirectory", "D:\\Neu");
+
+  PressKey('S', wxMOD_CONTROL);
+
+  EXPECT_TRUE(
+      WaitFor([&] { return SavedSettings().find("\r\n1=D:\\Rezepte") == std::string::npos; }));
+  EXPECT_TRUE(Document().changed);
+  EXPECT_EQ(BoxText("txtUserDirectory"), "D:\\Neu");
+  Answer(MessageResult::kCancel);
+  form_->Close();
+  EXPECT_TRUE(MessagesAre({1703}));
+}
+
 TEST_F(MainFormSteps, TheDeleteKeyDeletesTheSelectedRowOnce) {
   OpenStep2With({"D:\\A", "D:\\B", "D:\\C"});
   ClickAt(CellOf(0));
@@ -469,6 +504,7 @@ TEST_F(MainFormSteps, SaveTakesTheCellThatIsBeingEdited) {
 
   EXPECT_TRUE(WaitFor([&] { return SavedSettings().find("<FontDir>") != std::string::npos; }));
   EXPECT_FALSE(Document().changed);
+  EXPECT_TRUE(FocusIs("grdFiles"));
 }
 
 TEST_F(MainFormSteps, AddAsksThePlatformForFiles) {

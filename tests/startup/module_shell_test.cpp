@@ -75,6 +75,7 @@ TEST_P(ModuleShellFault, IsSaidInBothLanguagesWithAWayOut) {
 INSTANTIATE_TEST_SUITE_P(
     Faults, ModuleShellFault,
     ::testing::Values(FaultCase{WindowFault::kNoModule, 1900, "nicht enthalten", "not part of"},
+                      FaultCase{WindowFault::kNoDesktop, 1974, "von einem Dienst", "a service"},
                       FaultCase{WindowFault::kNoDisplay, 1975, "Desktop-Sitzung", "'ssh -X'"},
                       FaultCase{WindowFault::kNotLoaded, 1976, "libtoolkit.so: not there",
                                 "libtoolkit.so: not there"}));

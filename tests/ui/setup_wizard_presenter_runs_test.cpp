@@ -517,15 +517,41 @@ TEST_F(AddButton, ShowsTheUsualPointerWhileItAsks) {
                                       "file list", "figures"));
 }
 
-TEST_F(AddButton, PassesOverFoldersAndPathsThatAreNotFull) {
-  world.platform.files.AddFolder("C:\\Demo\\Bilder.dll");
-
-  presenter.AddFiles({"C:\\Demo\\Bilder.dll", "a.dll", "\\Demo\\a.dll", "C:a.dll", ""});
+TEST_F(AddButton, PassesOverPathsThatAreNotFull) {
+  presenter.AddFiles({"a.dll", "\\Demo\\a.dll", "C:a.dll", ""});
 
   EXPECT_EQ(document.files.RowCount(), 2u);
   EXPECT_FALSE(document.changed);
   EXPECT_THAT(messages.Ids(), IsEmpty());
   EXPECT_THAT(view.search.requests, IsEmpty());
+}
+
+// A folder that was dropped onto the list was passed over without a word.
+TEST_F(AddButton, NamesTheFoldersThatItDoesNotAddInOneMessage) {
+  world.platform.files.AddFolder("C:\\Demo\\Bilder.dll");
+  world.platform.files.AddFolder("C:\\Demo\\Texte");
+
+  presenter.AddFiles({"C:\\Demo\\Bilder.dll", "C:\\Demo\\a.dll", "C:\\Demo\\Texte"});
+
+  EXPECT_THAT(world.Sources(), Contains("<ProjectDir>\\a.dll"));
+  ASSERT_THAT(messages.Ids(), ElementsAre(1927));
+  EXPECT_THAT(messages.shown[0].prompt,
+              HasSubstr("nur Dateien:\r\nC:\\Demo\\Bilder.dll\r\nC:\\Demo\\Texte\r\n"));
+  EXPECT_FALSE(view.busy);
+}
+
+TEST_F(AddButton, NamesNoMoreFoldersThanABoxHasRoomFor) {
+  std::vector<std::string> paths;
+  for (int i = 0; i < 200; ++i) {
+    paths.push_back("C:\\Demo\\Ordner" + std::to_string(i));
+    world.platform.files.AddFolder(paths.back());
+  }
+
+  presenter.AddFiles(paths);
+
+  ASSERT_THAT(messages.Ids(), ElementsAre(1927));
+  EXPECT_THAT(messages.shown[0].prompt, HasSubstr("Ordner9\r\n...\r\n"));
+  EXPECT_EQ(document.files.RowCount(), 2u);
 }
 
 TEST_F(AddButton, GoesOnWithTheNextFileAfterAFailure) {

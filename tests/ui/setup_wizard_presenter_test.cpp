@@ -302,6 +302,16 @@ TEST_F(MainForm, DoesNotSaveTheDefaultsOverSettingsThatCouldNotBeRead) {
   EXPECT_THAT(world.Get(path), HasSubstr("01=a.dll,<WinSysDir>,1"));
 }
 
+TEST_F(MainForm, TakesATextThatWasNotAddedForAChangeAfterASaveToo) {
+  view.holds_loose_text = true;
+  presenter.LooseTextEdited();
+
+  EXPECT_TRUE(presenter.Save());
+
+  EXPECT_TRUE(document.changed);
+  EXPECT_THAT(messages.Ids(), IsEmpty());
+}
+
 TEST_F(MainForm, StopsOpeningWhenSavingFails) {
   Type("txtInfo11", "Werk Nord");
   Answer(MessageResult::kYes);
@@ -490,6 +500,44 @@ TEST_F(MainForm, StaysOnStep2WithADirectoryOfNoDrive) {
   EXPECT_THAT(messages.Ids(), ElementsAre(1712));
 }
 
+// The first control of the step had the focus, whatever was wrong; of two pages the first one
+// showed.
+TEST_F(MainForm, LeadsToTheBoxOfWhatACheckFoundWrong) {
+  struct Case {
+    Step step;
+    const char* box;
+    const char* text;
+  };
+  for (const Case& one : {Case{Step::kTexts, "txtBackgroundPicture1", "C:\\nirgends.bmp"},
+                          Case{Step::kTexts, "txtBackgroundPicture2", "C:\\nirgends.bmp"},
+                          Case{Step::kTexts, "txtBackgroundPicture2", "<Schleife>\\a.bmp"},
+                          Case{Step::kDirectories, "txtTavixDirectory", ""},
+                          Case{Step::kDirectories, "txtProjectDirectory", " "},
+                          Case{Step::kDirectories, "txtTavixDirectory", "TavixStudio"},
+                          Case{Step::kDirectories, "txtProjectDirectory", "Demo"}}) {
+    document.path_variables.push_back({"<Schleife>", "<Schleife><Schleife>"});
+    std::string& field = FindTextBox(one.box).field(steps);
+    const std::string before = field;
+    view.diary.clear();
+    Type(one.box, one.text);
+
+    EXPECT_FALSE(presenter.ChangeStep(one.step, Step::kFunctions));
+
+    EXPECT_TRUE(view.Did(std::string("box ") + one.box)) << one.text;
+    EXPECT_FALSE(view.Did("step 1") || view.Did("step 2")) << one.text;
+    Type(one.box, before);
+  }
+}
+
+TEST_F(MainForm, LeadsToTheUserDirectoryThatACheckFoundWrong) {
+  steps.user_directories = {{1, "D:\\Rezepte"}, {5, "Rezepte"}};
+
+  EXPECT_FALSE(presenter.ChangeStep(Step::kDirectories, Step::kFunctions));
+
+  EXPECT_THAT(messages.Ids(), ElementsAre(1712));
+  EXPECT_TRUE(view.Did("directory 1"));
+}
+
 TEST_F(MainForm, StaysOnStep4AndShowsTheMarksOfMissingFiles) {
   world.platform.files.Vanish("C:\\Demo\\Trend.ocx");
 
@@ -498,7 +546,7 @@ TEST_F(MainForm, StaysOnStep4AndShowsTheMarksOfMissingFiles) {
   EXPECT_THAT(messages.Ids(), ElementsAre(1709));
   EXPECT_FALSE(document.files.Row(1).marked);
   EXPECT_TRUE(document.files.Row(2).marked);
-  EXPECT_THAT(view.diary, ElementsAre("file list", "figures"));
+  EXPECT_THAT(view.diary, ElementsAre("file list", "figures", "step 4"));
 }
 
 TEST_F(MainForm, StaysOnStep4AndShowsTheMarksOfMissingDestinations) {
@@ -619,7 +667,7 @@ TEST(MainFormInEnglish, BrowsesForAPictureInEnglish) {
   EXPECT_EQ(world.presenter.BrowsePicture(FindTextBox("txtBackgroundPicture2")), "");
 
   ASSERT_EQ(world.view.file_questions.size(), 1u);
-  EXPECT_EQ(world.view.file_questions[0].title, "Select Background Picture");
+  EXPECT_EQ(world.view.file_questions[0].title, "Choose the background picture");
   EXPECT_THAT(world.view.file_questions[0].filter, EndsWith("|All Files|*.*"));
 }
 
