@@ -72,6 +72,13 @@ function(txs_add_windows_resources program description)
   target_sources(${program} PRIVATE ${resources})
 endfunction()
 
+# What is under test is optimised, the tests are not, and the headers of GoogleTest are read once: most of
+# the time of a build goes into tests. Debuggers need no more of them than lines.
+set(TXS_TEST_OPTIONS -O0)
+if(NOT WIN32)
+  list(APPEND TXS_TEST_OPTIONS -g1)
+endif()
+
 # txs_add_test(<name> SOURCES ... DEPENDS ... [LABELS ...]) makes one GoogleTest program and registers
 # it with CTest as a single test: starting a process per case would cost more than the cases.
 function(txs_add_test name)
@@ -79,12 +86,8 @@ function(txs_add_test name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} txs_options GTest::gmock GTest::gtest_main)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  if(WIN32)
-    # Cross-built on top of everything else in each CI run: what is under test is optimised, the tests are
-    # not, and the headers of GoogleTest are read once.
-    target_compile_options(${name} PRIVATE -O0)
-    target_precompile_headers(${name} REUSE_FROM txs_test_headers)
-  endif()
+  target_compile_options(${name} PRIVATE ${TXS_TEST_OPTIONS})
+  target_precompile_headers(${name} REUSE_FROM txs_test_headers)
   add_test(NAME ${name} COMMAND ${name})
   if(ARG_LABELS)
     set_tests_properties(${name} PROPERTIES LABELS "${ARG_LABELS}")
