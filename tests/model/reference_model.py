@@ -105,6 +105,19 @@ def file_version(data):
     return f"{high >> 16}.{high & 0xFFFF}.{low >> 16}.{low & 0xFFFF}"
 
 
+def user_directories_astray(project):
+    """The user directories that rows are to go to and that are others, or none, in the script: names,
+    and whether one is none."""
+    meant = {f"<userdir{number}>": path for number, path in project.user_directories}
+    set_by_script = {f"<userdir{number}>": path
+                     for number, (_, path) in enumerate(project.user_directories, 1)}
+    wanted = dict.fromkeys(row.destination.split(">")[0] + ">" for row in project.all_rows()
+                           if row.destination.startswith("<UserDir"))
+    astray = [name for name in wanted if name.lower() not in meant or
+              meant[name.lower()] != set_by_script.get(name.lower())]
+    return astray, any(name.lower() not in set_by_script for name in wanted)
+
+
 def script(project, disks, read_file, stamp):
     """SETUP.STP as text with CR LF."""
     rows = project.all_rows()
