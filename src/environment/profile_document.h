@@ -123,7 +123,7 @@ class ProfileDocument {
   // as a block without lines, so that the indices of the others hold.
   std::vector<SectionBlock> sections_ = std::vector<SectionBlock>(1);
   std::unordered_map<std::string, std::size_t> first_of_section_;  // by folded name
-  std::string line_end_ = "\r\n";  // the file's first
+  std::string line_end_ = "\r\n";                                  // the file's first
 };
 
 }  // namespace txs
