@@ -51,11 +51,14 @@ std::string FullPath(std::string_view path) {
     }
   }
 
+  const bool has_root = !split.root.empty();
   std::string result = std::move(split.root);
   for (std::size_t i = 0; i < parts.size(); ++i) {
     if (i > 0) result += '\\';
     result += parts[i];
   }
+  // What stood behind "x\.." may be a drive: "x\..\C:y" begins with one now.
+  if (!has_root && !TakeRoot(result).root.empty()) return FullPath(result);
   return result;
 }
 

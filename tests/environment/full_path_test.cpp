@@ -26,6 +26,14 @@ TEST(FullPath, DropsTrailingBackslashesButNotTheDrives) {
   EXPECT_EQ(FullPath("C:\\"), "C:\\");
 }
 
+TEST(FullPath, LeavesItsOwnResultAloneWhereADriveStoodBehindARelativePath) {
+  for (const char* path : {"x\\..\\C:..\\y", "x\\..\\C:\\..\\y", "x/../C:"}) {
+    const std::string full = FullPath(path);
+
+    EXPECT_EQ(FullPath(full), full) << path;
+  }
+}
+
 TEST(FullPath, KeepsDotsThatLeadOutOfARelativePath) {
   EXPECT_EQ(FullPath("..\\a\\..\\..\\x.dll"), "..\\..\\x.dll");
 }
