@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdint>
 #include <cstdio>
-#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -231,37 +230,20 @@ class ScriptWriter {
 // another directory, since it numbers them anew: "<UserDir2>, <UserDir3>", or nothing.
 std::string UserDirectoriesAstray(SetupDocument& document) {
   constexpr std::string_view kBegin = "<UserDir";
-  const auto name = [&](std::size_t number) {
-    return FoldCase(std::string(kBegin) + std::to_string(number) + ">");
-  };
   const std::vector<UserDirectory>& directories = document.steps.user_directories;
-  std::map<std::string, std::string> meant;
-  for (const UserDirectory& directory : directories) {
-    meant.emplace(name(static_cast<std::size_t>(directory.number)), directory.directory);
-  }
-  std::map<std::string, std::string> in_script;
+  std::set<std::string> done;  // folded: those that keep their number, and those that were named
   for (std::size_t i = 0; i < directories.size(); ++i) {
-    in_script.emplace(name(i + 1), directories[i].directory);
+    const std::string number = std::to_string(i + 1);
+    if (std::to_string(directories[i].number) != number) continue;
+    done.insert(FoldCase(std::string(kBegin) + number + ">"));
   }
 
-  std::set<std::string> seen;
   std::string astray;
   for (const FileRow* row : document.AllRows()) {
     const std::string_view destination = row->destination;
-    const std::size_t end = destination.find('>');
-    if (end == std::string_view::npos ||
-        !EqualNoCase(destination.substr(0, kBegin.size()), kBegin)) {
-      continue;
-    }
-    const std::string_view variable = destination.substr(0, end + 1);
-    const std::string folded = FoldCase(variable);
-    if (!seen.insert(folded).second) continue;
-    const auto as_meant = meant.find(folded);
-    const auto as_written = in_script.find(folded);
-    if (as_meant != meant.end() && as_written != in_script.end() &&
-        as_meant->second == as_written->second) {
-      continue;
-    }
+    const std::string_view variable = destination.substr(0, destination.find('>') + 1);
+    if (!EqualNoCase(variable.substr(0, kBegin.size()), kBegin)) continue;
+    if (!done.insert(FoldCase(variable)).second) continue;
     astray.append(astray.empty() ? "" : ", ").append(variable);
   }
   return astray;

@@ -42,9 +42,9 @@ struct ProjectListModel {
 // `FillRegisteredProjects`: replaces the rows by the registered projects whose type has a bit in
 // common with `type_mask`. Kept on purpose: a registration whose project file has gone is deleted
 // from the registry as a side effect; one on a drive, share or link's target that is away, or in a
-// folder that is closed to this user, is only left out. A
-// second name that differs only in case is left out, since its key is taken. Afterwards no row is
-// selected. A registration that cannot be deleted stays and is passed over.
+// folder that is closed to this user, is only left out. A second name that differs only in case is
+// left out, since its key is taken. Afterwards no row is selected. A registration that cannot be
+// deleted stays and is passed over.
 void FillRegisteredProjects(Platform& platform, long type_mask, ProjectListModel& list);
 
 // The state of the Open-Project dialog: which name it would return. The form only forwards events.

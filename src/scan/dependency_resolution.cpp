@@ -19,6 +19,7 @@ constexpr char kMdacInstaller[] = "mdac_typ.exe";
 constexpr char kMinimalMdacInstaller[] = "Mdac_min.exe";
 constexpr char kJetServicePack[] = "Jet40Sp3_Comp.exe";
 constexpr char kTemporaryDirectory[] = "<TempDir>";
+
 // "VB Runtime", "Tavix4 Client": names that exist only as sections of dependency files.
 bool IsPseudoFile(std::string_view path) {
   return path.find_first_of("\\/:.") == std::string_view::npos;
