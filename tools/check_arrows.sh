@@ -16,9 +16,10 @@ check() (
     BEGIN {
       # Which rooms each room may include. What is below does not know what is above; scan and
       # create do not know each other.
-      may["environment"] = "environment"
-      may["text"] = "environment text"
-      may["document"] = "environment text document"
+      may["strings"] = "strings"
+      may["environment"] = "strings environment"
+      may["text"] = may["environment"] " text"
+      may["document"] = may["text"] " document"
       may["projects"] = may["document"] " projects"
       may["scan"] = may["document"] " scan"
       may["create"] = may["document"] " create"

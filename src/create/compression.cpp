@@ -8,6 +8,7 @@
 #include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/windows_path.h"
+#include "strings/reason.h"
 #include "text/message_service.h"
 
 namespace txs {
@@ -88,7 +89,7 @@ bool CompressFiles(Application& application, CreateView& view, const CreateState
       }
       if (!HasItsLength(application, row, source)) {
         ShowResultCode(application, source, ArchiveResult::kSourceChanged,
-                       source + ": The file has changed during the run");
+                       source + ": " + Words(Reason::kChangedDuringRun));
         return false;
       }
       if (CancelledMeanwhile(view)) return false;

@@ -19,6 +19,7 @@
 #include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/windows_path.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -80,8 +81,7 @@ std::string ResolveOutputDirectory(const Application& application) {
   // Disk directories are deleted in it: a directory that depends on where the process happens to
   // stand is not what anyone meant.
   if (!IsAbsolutePath(directory)) {
-    throw RuntimeError(ErrorNumber::kBadFileName,
-                       "\"" + directory + "\" is no complete path of a directory");
+    throw RuntimeError(ErrorNumber::kBadFileName, Words(Reason::kNoCompletePath, {directory}));
   }
   return directory;
 }
@@ -113,7 +113,7 @@ class DoomedFolders {
     if (!seen_.insert(folded).second) return;
     if (Holds(folded) || Holds(FoldedFolder(files_.FinalPath(folder)))) {
       throw RuntimeError(ErrorNumber::kPathFileAccess,
-                         std::string(subject) + ": lies in a folder that would be deleted");
+                         std::string(subject) + ": " + Words(Reason::kWouldBeDeleted));
     }
   }
 
@@ -150,7 +150,7 @@ bool MakeTemporaryDirectory(Application& application, CreateState& state) {
   return AtWorkBorder(application, kMessageTemporaryDirectory, no_subject, [&] {
     // Without a project directory this would be \~TEMP of whatever drive is current.
     if (application.project.directory.empty()) {
-      throw RuntimeError(ErrorNumber::kPathNotFound, "The project has no directory");
+      throw RuntimeError(ErrorNumber::kPathNotFound, Words(Reason::kNoProjectDirectory));
     }
     FileSystem& files = application.platform.files;
     const std::string directory = application.project.TemporaryDirectory();

@@ -10,6 +10,7 @@
 #include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/windows_path.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -20,8 +21,7 @@ constexpr std::size_t kChunkBytes = 10240;
 static_assert(kChunkBytes % 1024 == 0, "PlanDistribution counts whole chunks without rounding");
 
 [[noreturn]] void ThrowAlreadyExists(const std::string& path) {
-  throw RuntimeError(ErrorNumber::kAlreadyExists,
-                     path + ": another file of this name lies on the disk already");
+  throw RuntimeError(ErrorNumber::kAlreadyExists, path + ": " + Words(Reason::kLiesOnTheDisk));
 }
 
 // Lays the archives down, disk after disk, as the plan says.
@@ -99,8 +99,7 @@ class Placer {
           static_cast<std::size_t>(std::min<std::uint64_t>(remaining, buffer.size()));
       const std::size_t chunk = archive.Read(std::span(buffer).first(wanted));
       if (chunk == 0) {
-        throw RuntimeError(ErrorNumber::kInputPastEnd,
-                           "the archive is shorter than it was a moment ago");
+        throw RuntimeError(ErrorNumber::kInputPastEnd, Words(Reason::kArchiveIsShorter));
       }
       target.Write(std::span(buffer).first(chunk));
       remaining -= chunk;

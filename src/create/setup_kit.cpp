@@ -9,6 +9,7 @@
 #include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/windows_path.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -36,7 +37,7 @@ bool ReadList(Application& application, std::vector<std::string>& names) {
 std::uint64_t KitFileLength(const Application& application, const std::string& name) {
   if (name.empty()) {
     throw RuntimeError(ErrorNumber::kBadFileName,
-                       std::string(kListName) + ": a key of section " + kSection + " is missing");
+                       std::string(kListName) + ": " + Words(Reason::kKeyIsMissing, {kSection}));
   }
   return application.platform.files.Length(
       JoinPath(application.installation.SetupKitDirectory(), name));
@@ -106,12 +107,12 @@ std::vector<std::string> ReadSetupKitList(Application& application) {
   // A profile file that does not exist reads as an empty one, which would hide why Count is
   // missing.
   if (!count_text && !application.platform.files.FileExists(path)) {
-    throw RuntimeError(ErrorNumber::kFileNotFound, path + ": file not found");
+    throw RuntimeError(ErrorNumber::kFileNotFound, path + ": " + Words(Reason::kFileNotFound));
   }
   const std::optional<std::int64_t> count = ParseWholeNumber(count_text.value_or(""));
   if (!count || *count < 0 || *count > kMaxKitFiles) {
     throw RuntimeError(ErrorNumber::kTypeMismatch,
-                       path + ": Count of section " + kSection + " is no number of files");
+                       path + ": " + Words(Reason::kNoNumberOfFiles, {kSection}));
   }
   std::vector<std::string> names;
   names.reserve(static_cast<std::size_t>(*count));

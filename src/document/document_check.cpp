@@ -14,6 +14,7 @@
 #include "document/path_variables.h"
 #include "environment/code_page.h"
 #include "environment/windows_path.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -176,7 +177,7 @@ bool CheckDocument(Application& application, Step step, const std::string** wron
     ShowError(application, doing.id, doing.parameters, error);
   } catch (const std::bad_alloc&) {
     ShowError(application, doing.id, doing.parameters,
-              RuntimeError(ErrorNumber::kOutOfMemory, "Out of memory"));
+              RuntimeError(ErrorNumber::kOutOfMemory, Words(Reason::kOutOfMemory)));
   } catch (const std::exception& error) {
     ShowError(application, doing.id, doing.parameters,
               RuntimeError(ErrorNumber::kInternal, error.what()));

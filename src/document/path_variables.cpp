@@ -7,6 +7,7 @@
 #include "environment/full_path.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -51,8 +52,7 @@ void ReplaceName(std::string& text, const PathVariable& variable, std::size_t lo
     result.append(text, copied, found - copied);
     result += variable.value;
     if (result.size() > longest) {
-      throw RuntimeError(ErrorNumber::kOutOfMemory,
-                         "the value of " + variable.name + " makes the text too long");
+      throw RuntimeError(ErrorNumber::kOutOfMemory, Words(Reason::kValueTooLong, {variable.name}));
     }
     copied = found + variable.name.size();
     found = FindName(text, variable.name, copied);

@@ -13,6 +13,7 @@
 #include "document/project_lock.h"
 #include "document/work_border.h"
 #include "environment/code_page.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -220,12 +221,6 @@ void Take(Settings settings, SetupDocument& document) {
 
 // --- Writing
 
-[[noreturn]] void RefuseEntry(const char* list, std::size_t number, std::string_view text,
-                              const char* reason) {
-  throw RuntimeError(ErrorNumber::kInvalidCall, std::string(list) + " " + std::to_string(number) +
-                                                    ", \"" + std::string(text) + "\": " + reason);
-}
-
 bool HasLineBreak(std::string_view text) {
   return text.find_first_of("\r\n") != std::string_view::npos;
 }
@@ -235,21 +230,17 @@ bool HasOuterBlanks(std::string_view text) { return TrimBlanks(text).size() != t
 // A row that reading would give back otherwise than it was is refused, rather than changed in
 // silence. A destination may begin or end in blanks, and a registration may hold commas.
 void CheckRow(const FileRow& row, std::size_t number) {
-  constexpr char kRow[] = "file list, row";
+  const auto refuse = [number](Reason reason, const std::string& field) {
+    throw RuntimeError(ErrorNumber::kInvalidCall, Words(reason, {std::to_string(number), field}));
+  };
   for (const std::string* field : {&row.source, &row.destination}) {
-    if (field->find(',') == std::string::npos) continue;
-    RefuseEntry(kRow, number, *field,
-                "a comma separates the fields of the settings file; rename the file or directory "
-                "so that it holds none, or delete the row");
+    if (field->find(',') != std::string::npos) refuse(Reason::kCommaInRow, *field);
   }
   for (const std::string* field : {&row.source, &row.destination, &row.registration}) {
-    if (!HasLineBreak(*field)) continue;
-    RefuseEntry(kRow, number, *field, "remove the line break, or delete the row");
+    if (HasLineBreak(*field)) refuse(Reason::kLineBreakInRow, *field);
   }
   for (const std::string* field : {&row.source, &row.registration}) {
-    if (!HasOuterBlanks(*field)) continue;
-    RefuseEntry(kRow, number, *field,
-                "remove the blanks at its beginning and end, or delete the row");
+    if (HasOuterBlanks(*field)) refuse(Reason::kBlanksInRow, *field);
   }
 }
 
@@ -271,7 +262,8 @@ std::vector<ProfileEntry> IniEntries(const std::vector<std::string>& names) {
   for (const std::string& name : names) {
     const std::size_t number = entries.size() + 1;
     if (name.empty()) {
-      RefuseEntry("INI files, entry", number, name, "an empty name would end the list here");
+      throw RuntimeError(ErrorNumber::kInvalidCall,
+                         Words(Reason::kEmptyIniName, {std::to_string(number)}));
     }
     entries.push_back({NumberedKey(number, kListKeyDigits), name});
   }
@@ -480,13 +472,13 @@ void WriteSettings(Application& application) {
       return;
     case Obstacle::kNoDirectory:
       throw RuntimeError(ErrorNumber::kPathNotFound,
-                         application.project.name + ": no directory is registered");
+                         application.project.name + ": " + Words(Reason::kNoProjectDirectory));
     case Obstacle::kNotRead:
       throw RuntimeError(ErrorNumber::kAlreadyExists,
-                         file + ": was not read when the project was opened");
+                         file + ": " + Words(Reason::kSettingsNotRead));
     case Obstacle::kChangedByAnother:
       throw RuntimeError(ErrorNumber::kAlreadyExists,
-                         file + ": has been changed by another program since it was read");
+                         file + ": " + Words(Reason::kSettingsChanged));
   }
 }
 

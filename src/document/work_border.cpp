@@ -4,6 +4,7 @@
 #include <new>
 
 #include "environment/runtime_error.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -14,7 +15,7 @@ RuntimeError ThrownError() {
   } catch (const RuntimeError& error) {
     return error;
   } catch (const std::bad_alloc&) {
-    return RuntimeError(ErrorNumber::kOutOfMemory, "Out of memory");
+    return RuntimeError(ErrorNumber::kOutOfMemory, Words(Reason::kOutOfMemory));
   } catch (const std::exception& error) {
     return RuntimeError(ErrorNumber::kInternal, error.what());
   }

@@ -9,6 +9,7 @@
 
 #include "environment/code_page_table.h"
 #include "environment/runtime_error.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -177,7 +178,7 @@ std::string Surroundings(std::string_view text, std::size_t at) {
                                      const Utf8Character& character) {
   std::string description;
   if (character.length == 0) {
-    description = "byte 0x" + Hex(Byte(text[at]), 2) + ", which is no UTF-8,";
+    description = Words(Reason::kNoUtf8Byte, {Hex(Byte(text[at]), 2)});
   } else {
     description = "U+" + Hex(character.code, character.code > 0xFFFF ? 6 : 4) + " '" +
                   std::string(text.substr(at, character.length)) + "'";

@@ -2,6 +2,7 @@
 
 #include "environment/code_page.h"
 #include "environment/runtime_error.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -9,7 +10,8 @@ namespace {
 constexpr std::uint64_t kMaxWholeBytes = std::uint64_t{2} * 1024 * 1024 * 1024;
 
 [[noreturn]] void ThrowNotFound(std::string_view path) {
-  throw RuntimeError(ErrorNumber::kFileNotFound, std::string(path) + ": file not found");
+  throw RuntimeError(ErrorNumber::kFileNotFound,
+                     std::string(path) + ": " + Words(Reason::kFileNotFound));
 }
 
 }  // namespace
@@ -34,7 +36,7 @@ std::string FileReader::ReadWhole(std::string_view path) const {
   const std::unique_ptr<InputFile> file = OpenForReading(path);
   if (file->Length() > kMaxWholeBytes) {
     throw RuntimeError(ErrorNumber::kOutOfMemory,
-                       std::string(path) + ": larger than 2 GiB, too large to be read at once");
+                       std::string(path) + ": " + Words(Reason::kTooLargeToRead));
   }
   std::string bytes(static_cast<std::size_t>(file->Length()), '\0');
   std::size_t filled = 0;

@@ -23,6 +23,7 @@
 #include "environment/host_calls_host.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -252,7 +253,8 @@ bool IsFolderAt(const std::string& path) {
 // in no order.
 std::vector<FileEntry> EntriesOf(const std::string& path, std::string_view folder,
                                  const std::function<bool(const std::string&)>& wanted) {
-  if (!IsFolderAt(path)) ThrowAbout(ErrorNumber::kPathNotFound, folder, "Folder not found");
+  if (!IsFolderAt(path))
+    ThrowAbout(ErrorNumber::kPathNotFound, folder, Words(Reason::kFolderNotFound));
   OpenFolder open_folder(path);
   if (!open_folder.IsOpen()) ThrowErrno(errno, folder);
   std::vector<FileEntry> entries;
@@ -472,9 +474,9 @@ std::vector<std::string> HostFileSystem::Split(std::string_view path) const {
   std::string text(path);
   std::ranges::replace(text, '/', '\\');
   if (text.starts_with("\\\\?\\")) text.erase(0, 4);
-  if (text.empty()) ThrowAbout(ErrorNumber::kBadFileName, path, "No file name");
+  if (text.empty()) ThrowAbout(ErrorNumber::kBadFileName, path, Words(Reason::kNoFileName));
   if (text.starts_with("\\\\")) {
-    ThrowAbout(ErrorNumber::kPathNotFound, path, "Network paths have no folder on this computer");
+    ThrowAbout(ErrorNumber::kPathNotFound, path, Words(Reason::kNetworkPath));
   }
   const bool has_drive = text.size() >= 2 && text[1] == ':' &&
                          ((text[0] >= 'a' && text[0] <= 'z') || (text[0] >= 'A' && text[0] <= 'Z'));
@@ -496,7 +498,7 @@ std::vector<std::string> HostFileSystem::Split(std::string_view path) const {
       continue;
     }
     if (!IsWindowsName(component) || !IsUtf8(component)) {
-      ThrowAbout(ErrorNumber::kBadFileName, path, "Not a name that Windows accepts");
+      ThrowAbout(ErrorNumber::kBadFileName, path, Words(Reason::kNotAcceptedByWindows));
     }
     components.push_back(component);
   }
@@ -593,34 +595,36 @@ std::string HostFileSystem::LocateFile(std::string_view path) const {
   const Place place = Locate(path);
   if (!place.exists) {
     ThrowAbout(place.folder_exists ? ErrorNumber::kFileNotFound : ErrorNumber::kPathNotFound, path,
-               place.folder_exists ? "File not found" : "Folder not found");
+               place.folder_exists ? Words(Reason::kFileNotFound) : Words(Reason::kFolderNotFound));
   }
   return place.Path();
 }
 
 std::string HostFileSystem::LocateTarget(std::string_view path, Use use) const {
   const Place place = Locate(path);
-  if (!place.folder_exists) ThrowAbout(ErrorNumber::kPathNotFound, path, "Folder not found");
+  if (!place.folder_exists)
+    ThrowAbout(ErrorNumber::kPathNotFound, path, Words(Reason::kFolderNotFound));
   std::string target = place.Path();
   struct stat status;
   if (place.exists && stat(target.c_str(), &status) == 0) {
-    if (S_ISDIR(status.st_mode)) ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is a folder");
+    if (S_ISDIR(status.st_mode))
+      ThrowAbout(ErrorNumber::kPathFileAccess, path, Words(Reason::kIsAFolder));
     // Root may write what has no write permission; Windows refuses it to everybody.
     if ((status.st_mode & kAnyWriteBit) == 0) {
-      ThrowAbout(ErrorNumber::kPathFileAccess, path, "The file is read-only");
+      ThrowAbout(ErrorNumber::kPathFileAccess, path, Words(Reason::kReadOnly));
     }
     // Opening a pipe would wait for a reader. A device takes what is written to it, but as root we
     // could rename a file into its place and so take it from the whole computer.
     const bool may_write =
         S_ISREG(status.st_mode) || (use == Use::kWrite && S_ISCHR(status.st_mode));
-    if (!may_write) ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is no ordinary file");
+    if (!may_write) ThrowAbout(ErrorNumber::kPathFileAccess, path, Words(Reason::kNoOrdinaryFile));
   }
   return target;
 }
 
 std::string HostFileSystem::HostPath(std::string_view path) const {
   if (!IsFolderAt(Split(path).front()))
-    ThrowAbout(ErrorNumber::kPathNotFound, path, "No such drive");
+    ThrowAbout(ErrorNumber::kPathNotFound, path, Words(Reason::kNoSuchDrive));
   return Locate(path).Path();
 }
 
@@ -658,7 +662,7 @@ std::string HostFileSystem::WindowsPath(std::string_view host_path) const {
     }
   }
   if (best_length == 0 && IsFolderAt(Below(root_, "drive_z"))) {
-    ThrowAbout(ErrorNumber::kPathNotFound, host_path, "Lies on no drive");
+    ThrowAbout(ErrorNumber::kPathNotFound, host_path, Words(Reason::kOnNoDrive));
   }
   std::string result = {best_letter, ':'};
   result += tidy.substr(best_length);
@@ -710,9 +714,10 @@ std::unique_ptr<InputFile> HostFileSystem::OpenForReading(std::string_view path)
   if (!file.IsOpen()) ThrowErrno(errno, path);
   struct stat status;
   if (fstat(file.Get(), &status) != 0) ThrowErrno(errno, path);
-  if (S_ISDIR(status.st_mode)) ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is a folder");
+  if (S_ISDIR(status.st_mode))
+    ThrowAbout(ErrorNumber::kPathFileAccess, path, Words(Reason::kIsAFolder));
   if (!S_ISREG(status.st_mode))
-    ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is no ordinary file");
+    ThrowAbout(ErrorNumber::kPathFileAccess, path, Words(Reason::kNoOrdinaryFile));
   return std::make_unique<HostInputFile>(
       std::move(file), static_cast<std::uint64_t>(status.st_size), std::string(path));
 }
@@ -767,7 +772,7 @@ void HostFileSystem::ReplaceWhole(std::string_view path, std::string_view bytes)
   TemporaryBeside temporary = MakeTemporary(ParentOf(target));
   // Only a link can lead to a folder that is missing: the path's own one was just there.
   if (!temporary.file.IsOpen() && errno == ENOENT)
-    ThrowAbout(ErrorNumber::kPathNotFound, path, "Folder not found");
+    ThrowAbout(ErrorNumber::kPathNotFound, path, Words(Reason::kFolderNotFound));
   if (!temporary.file.IsOpen()) ThrowErrno(errno, path);
   ReplaceByTemporary(std::move(temporary.file), temporary.path, target, bytes, path);
   indexes_->Added(target);
@@ -780,12 +785,12 @@ void HostFileSystem::CopyWhole(std::string_view source, std::string_view target)
   struct stat status;
   if (fstat(input.Get(), &status) != 0) ThrowErrno(errno, source);
   if (!S_ISREG(status.st_mode)) {
-    ThrowAbout(ErrorNumber::kPathFileAccess, source, "Is no ordinary file");
+    ThrowAbout(ErrorNumber::kPathFileAccess, source, Words(Reason::kNoOrdinaryFile));
   }
   const std::string to = LocateTarget(target, Use::kWrite);
   struct stat target_status;
   if (stat(to.c_str(), &target_status) == 0 && IsSame(target_status, status)) {
-    ThrowAbout(ErrorNumber::kPathFileAccess, target, "Cannot copy a file onto itself");
+    ThrowAbout(ErrorNumber::kPathFileAccess, target, Words(Reason::kOntoItself));
   }
   Descriptor output(OpenRetrying(to, O_WRONLY | O_CREAT | O_TRUNC));
   if (!output.IsOpen()) ThrowErrno(errno, target);
@@ -827,7 +832,7 @@ void HostFileSystem::MoveWhole(std::string_view source, std::string_view target)
   if (lstat(from.c_str(), &from_status) != 0) ThrowErrno(errno, source);
   const bool is_link = S_ISLNK(from_status.st_mode);
   if (S_ISDIR(from_status.st_mode) || (is_link && IsFolderAt(from))) {
-    ThrowAbout(ErrorNumber::kPathFileAccess, source, "Is a folder");
+    ThrowAbout(ErrorNumber::kPathFileAccess, source, Words(Reason::kIsAFolder));
   }
   const std::string to = LocateTarget(target, Use::kRenameOver);
   if (from == to) return;
@@ -852,9 +857,10 @@ void HostFileSystem::RemoveFile(std::string_view path) {
   const std::string target = LocateFile(path);
   struct stat status;
   if (lstat(target.c_str(), &status) != 0) ThrowErrno(errno, path);
-  if (S_ISDIR(status.st_mode)) ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is a folder");
+  if (S_ISDIR(status.st_mode))
+    ThrowAbout(ErrorNumber::kPathFileAccess, path, Words(Reason::kIsAFolder));
   if (!S_ISLNK(status.st_mode) && (status.st_mode & kAnyWriteBit) == 0) {
-    ThrowAbout(ErrorNumber::kPathFileAccess, path, "The file is read-only");
+    ThrowAbout(ErrorNumber::kPathFileAccess, path, Words(Reason::kReadOnly));
   }
   if (unlink(target.c_str()) != 0) ThrowErrno(errno, path);
   indexes_->Removed(target);
@@ -863,7 +869,8 @@ void HostFileSystem::RemoveFile(std::string_view path) {
 void HostFileSystem::RemoveTree(std::string_view folder) {
   const Place place = Locate(folder);
   if (!place.exists) return;
-  if (place.name.empty()) ThrowAbout(ErrorNumber::kPathFileAccess, folder, "Is a whole drive");
+  if (place.name.empty())
+    ThrowAbout(ErrorNumber::kPathFileAccess, folder, Words(Reason::kIsAWholeDrive));
   const std::string path = place.Path();
   struct stat status;
   if (lstat(path.c_str(), &status) != 0) {
@@ -876,7 +883,7 @@ void HostFileSystem::RemoveTree(std::string_view folder) {
   } else if (S_ISDIR(status.st_mode)) {
     error = RemoveFolderAndContents(path);
   } else {
-    ThrowAbout(ErrorNumber::kPathFileAccess, folder, "Not a folder");
+    ThrowAbout(ErrorNumber::kPathFileAccess, folder, Words(Reason::kNotAFolder));
   }
   indexes_->RemovedTree(path);
   if (error != 0) ThrowErrno(error, folder);
@@ -885,7 +892,8 @@ void HostFileSystem::RemoveTree(std::string_view folder) {
 void HostFileSystem::MakeFolder(std::string_view folder) {
   const std::vector<std::string> components = Split(folder);
   std::string path = components.front();
-  if (!IsFolderAt(path)) ThrowAbout(ErrorNumber::kPathNotFound, folder, "No such drive");
+  if (!IsFolderAt(path))
+    ThrowAbout(ErrorNumber::kPathNotFound, folder, Words(Reason::kNoSuchDrive));
   for (std::size_t i = 1; i < components.size(); ++i) {
     const std::string exact = Below(path, components[i]);
     if (IsFolderAt(exact)) {
@@ -899,7 +907,8 @@ void HostFileSystem::MakeFolder(std::string_view folder) {
     }
     const int error = errno;
     if (error != EEXIST) ThrowErrno(error, folder);
-    if (!IsFolderAt(path)) ThrowAbout(ErrorNumber::kPathFileAccess, folder, "Is a file");
+    if (!IsFolderAt(path))
+      ThrowAbout(ErrorNumber::kPathFileAccess, folder, Words(Reason::kIsAFile));
   }
 }
 

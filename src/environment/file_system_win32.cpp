@@ -15,6 +15,7 @@
 #include "environment/runtime_error.h"
 #include "environment/windows_calls_win32.h"
 #include "environment/windows_path.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -89,19 +90,20 @@ std::wstring FullPath(const std::wstring& path, std::string_view shown) {
 // The path as the system understands it: absolute, without "." and "..", without the dots and
 // blanks that Windows drops at the ends of names. No "\" at its end but behind a drive.
 std::wstring Absolute(std::string_view path) {
-  if (path.empty()) ThrowAbout(ErrorNumber::kBadFileName, path, "No file name");
-  if (!IsUtf8(path)) ThrowAbout(ErrorNumber::kBadFileName, path, "Not a name that Windows accepts");
+  if (path.empty()) ThrowAbout(ErrorNumber::kBadFileName, path, Words(Reason::kNoFileName));
+  if (!IsUtf8(path))
+    ThrowAbout(ErrorNumber::kBadFileName, path, Words(Reason::kNotAcceptedByWindows));
   std::wstring text = ToWide(path);
   std::ranges::replace(text, L'/', L'\\');
   if (std::optional<std::wstring> plain = Plain(std::move(text))) {
     text = std::move(*plain);
   } else {
-    ThrowAbout(ErrorNumber::kBadFileName, path, "Lies on no drive and on no share");
+    ThrowAbout(ErrorNumber::kBadFileName, path, Words(Reason::kOnNoDriveOrShare));
   }
   for (std::size_t start = HasDrive(text) ? 2 : 0; start < text.size();) {
     const std::size_t end = std::min(text.find(L'\\', start), text.size());
     if (IsRefusedName(std::wstring_view(text).substr(start, end - start))) {
-      ThrowAbout(ErrorNumber::kBadFileName, path, "Not a name that Windows accepts");
+      ThrowAbout(ErrorNumber::kBadFileName, path, Words(Reason::kNotAcceptedByWindows));
     }
     start = end + 1;
   }
@@ -109,7 +111,7 @@ std::wstring Absolute(std::string_view path) {
   if (HasDrive(text) && (text.size() == 2 || text[2] != L'\\')) text.insert(2, 1, L'\\');
   text = FullPath(text, path);
   if (text.starts_with(L"\\\\.\\")) {
-    ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is no ordinary file");
+    ThrowAbout(ErrorNumber::kPathFileAccess, path, Words(Reason::kNoOrdinaryFile));
   }
   while (text.ends_with(L'\\') && !IsRoot(text)) text.pop_back();
   return text;
@@ -217,7 +219,8 @@ Found LookPatiently(const std::wstring& absolute, RetryPauses& pauses,
 Found RequireFile(std::string_view path, const std::wstring& absolute, RetryPauses& pauses) {
   Found found = LookPatiently(absolute, pauses);
   if (!found.IsThere()) ThrowFor(found.error, path, absolute);
-  if (IsFolder(found.attributes)) ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is a folder");
+  if (IsFolder(found.attributes))
+    ThrowAbout(ErrorNumber::kPathFileAccess, path, Words(Reason::kIsAFolder));
   return found;
 }
 
@@ -231,9 +234,10 @@ Found RequireTarget(std::string_view path, const std::wstring& absolute, RetryPa
     }
     return found;
   }
-  if (IsFolder(found.attributes)) ThrowAbout(ErrorNumber::kPathFileAccess, path, "Is a folder");
+  if (IsFolder(found.attributes))
+    ThrowAbout(ErrorNumber::kPathFileAccess, path, Words(Reason::kIsAFolder));
   if (IsReadOnly(found.attributes)) {
-    ThrowAbout(ErrorNumber::kPathFileAccess, path, "The file is read-only");
+    ThrowAbout(ErrorNumber::kPathFileAccess, path, Words(Reason::kReadOnly));
   }
   return found;
 }
@@ -770,7 +774,7 @@ void WindowsFileSystem::CopyWhole(std::string_view source, std::string_view targ
     const std::optional<Identity> left = IdentityOf(from);
     const std::optional<Identity> right = IdentityOf(to);
     if (left && right && left->IsSameFile(*right)) {
-      ThrowAbout(ErrorNumber::kPathFileAccess, target, "Cannot copy a file onto itself");
+      ThrowAbout(ErrorNumber::kPathFileAccess, target, Words(Reason::kOntoItself));
     }
   }
   // Which of the two a failure is about the system does not tell; it is seldom the source.
@@ -829,7 +833,7 @@ void WindowsFileSystem::RemoveFile(std::string_view path) {
   RetryPauses pauses(patience_);
   const Found found = RequireFile(path, absolute, pauses);
   if (IsReadOnly(found.attributes)) {
-    ThrowAbout(ErrorNumber::kPathFileAccess, path, "The file is read-only");
+    ThrowAbout(ErrorNumber::kPathFileAccess, path, Words(Reason::kReadOnly));
   }
   const DWORD error = RemoveFileAt(Native(absolute), found.attributes, pauses);
   if (error != ERROR_SUCCESS) ThrowFor(error, path, absolute);
@@ -837,7 +841,8 @@ void WindowsFileSystem::RemoveFile(std::string_view path) {
 
 void WindowsFileSystem::RemoveTree(std::string_view folder) {
   const std::wstring absolute = Absolute(folder);
-  if (IsRoot(absolute)) ThrowAbout(ErrorNumber::kPathFileAccess, folder, "Is a whole drive");
+  if (IsRoot(absolute))
+    ThrowAbout(ErrorNumber::kPathFileAccess, folder, Words(Reason::kIsAWholeDrive));
   // Programs of other systems leave names that only this form reaches.
   const std::wstring native = Verbatim(absolute);
   RetryPauses pauses(patience_);
@@ -849,7 +854,8 @@ void WindowsFileSystem::RemoveTree(std::string_view folder) {
   });
   if (MeansMissing(asked)) return;
   if (asked != ERROR_SUCCESS) ThrowWindowsError(asked, folder);
-  if (!IsFolder(attributes)) ThrowAbout(ErrorNumber::kPathFileAccess, folder, "Not a folder");
+  if (!IsFolder(attributes))
+    ThrowAbout(ErrorNumber::kPathFileAccess, folder, Words(Reason::kNotAFolder));
   const DWORD error =
       RemoveFolderAndContents(native, attributes, TagOf(native, attributes), pauses);
   if (error != ERROR_SUCCESS) ThrowWindowsError(error, folder);
@@ -863,7 +869,7 @@ void WindowsFileSystem::MakeFolder(std::string_view folder) {
     // A folder that was deleted keeps its name as long as anybody looks into it.
     const Found found = LookPatiently(path, pauses, Denied::kHeld);
     if (found.IsFolderThere()) break;
-    if (found.IsThere()) ThrowAbout(ErrorNumber::kPathFileAccess, folder, "Is a file");
+    if (found.IsThere()) ThrowAbout(ErrorNumber::kPathFileAccess, folder, Words(Reason::kIsAFile));
     if (!MeansMissing(found.error)) ThrowWindowsError(found.error, folder);
     if (IsRoot(path)) ThrowWindowsError(ERROR_PATH_NOT_FOUND, folder);
     missing.push_back(std::move(path));

@@ -5,6 +5,7 @@
 
 #include "environment/code_page.h"
 #include "environment/runtime_error.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -62,8 +63,8 @@ std::optional<std::string_view> HeaderName(std::string_view line) {
 
 std::string FoldedName(std::string_view name) { return FoldCase(Trimmed(name)); }
 
-[[noreturn]] void ThrowUnwritable(const std::string& what, std::string_view text) {
-  throw RuntimeError(ErrorNumber::kInvalidCall, what + ": \"" + std::string(text) + "\"");
+[[noreturn]] void ThrowUnwritable(Reason reason, std::string_view text) {
+  throw RuntimeError(ErrorNumber::kInvalidCall, Words(reason, {std::string(text)}));
 }
 
 bool HasLineBreak(std::string_view text) {
@@ -163,8 +164,9 @@ std::string ProfileDocument::Decode(std::string_view bytes) const {
 
 std::string ProfileDocument::Encode(std::string_view text) const {
   if (!is_utf8_) return Utf8ToAnsi(text);
-  if (!IsUtf8(text))
-    throw RuntimeError(ErrorNumber::kInvalidCall, "a text for a profile file is not UTF-8");
+  if (!IsUtf8(text)) {
+    throw RuntimeError(ErrorNumber::kInvalidCall, Words(Reason::kMalformedText));
+  }
   return std::string(text);
 }
 
@@ -237,8 +239,8 @@ ProfileDocument::Line ProfileDocument::MakeEntry(std::string_view key,
   const std::string_view name = Trimmed(key);
   const bool holdable = !name.empty() && name.front() != ';' && name.front() != '[' &&
                         name.find('=') == std::string_view::npos && !HasLineBreak(key);
-  if (!holdable) ThrowUnwritable("a profile file cannot hold this key", key);
-  if (HasLineBreak(value)) ThrowUnwritable("a profile file cannot hold a line break", value);
+  if (!holdable) ThrowUnwritable(Reason::kUnwritableKey, key);
+  if (HasLineBreak(value)) ThrowUnwritable(Reason::kUnwritableLineBreak, value);
 
   const bool needs_quotes = Trimmed(value).size() != value.size() || IsQuoted(value);
   Line line;
@@ -256,7 +258,7 @@ ProfileDocument::Line ProfileDocument::MakeEntry(std::string_view key,
 ProfileDocument::SectionBlock ProfileDocument::MakeSection(std::string_view section) const {
   const std::string_view name = Trimmed(section);
   if (name.find(']') != std::string_view::npos || HasLineBreak(section)) {
-    ThrowUnwritable("a profile file cannot hold this section name", section);
+    ThrowUnwritable(Reason::kUnwritableSection, section);
   }
   SectionBlock block;
   block.name = name;

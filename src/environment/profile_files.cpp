@@ -5,6 +5,7 @@
 #include "environment/code_page.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -28,16 +29,12 @@ void RefuseUnreadableEncoding(std::string_view path, std::string_view bytes) {
   constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
   if (bytes.starts_with(kBigEndianMark)) {
     throw RuntimeError(ErrorNumber::kInvalidCall,
-                       std::string(path) +
-                           ": is UTF-16 with the high byte first, which cannot be "
-                           "read; save it as ANSI or UTF-8");
+                       std::string(path) + ": " + Words(Reason::kHighByteFirst));
   }
   if (bytes.starts_with(kLittleEndianMark) || bytes.starts_with(kUtf8Mark)) return;
   if (bytes.find('\0') != std::string_view::npos) {
     throw RuntimeError(ErrorNumber::kInvalidCall,
-                       std::string(path) +
-                           ": holds zero bytes, so it is damaged or UTF-16 without "
-                           "a byte order mark; save it as ANSI or UTF-8");
+                       std::string(path) + ": " + Words(Reason::kZeroBytes));
   }
 }
 
@@ -52,7 +49,7 @@ ProfileFiles::Kept& ProfileFiles::Read(std::string_view path, Trust trust) {
   if (trust == Trust::kStamp && stamp && kept->exists && kept->stamp == *stamp) return *kept;
   if (stamp && stamp->length_bytes > kMostBytes) {
     throw RuntimeError(ErrorNumber::kOutOfMemory,
-                       std::string(path) + ": larger than 64 MiB, too large for a profile file");
+                       std::string(path) + ": " + Words(Reason::kProfileTooLarge));
   }
   Kept read;
   try {

@@ -10,6 +10,7 @@
 #include "environment/retry_pauses.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_calls_win32.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -133,7 +134,7 @@ class ComConfigurator : public ProjectConfigurator {
     const HRESULT named = CallPatiently(
         [&] { return object_->GetIDsOfNames(IID_NULL, methods, 1, LOCALE_USER_DEFAULT, &id); });
     if (named == DISP_E_UNKNOWNNAME) {
-      ThrowAbout(kNoSuchMethod, project_file, "the component has no method OpenProject");
+      ThrowAbout(kNoSuchMethod, project_file, Words(Reason::kNoOpenProject));
     }
     if (FAILED(named)) ThrowFailure(named, failure, project_file);
     const Text path(project_file);
@@ -151,7 +152,7 @@ class ComConfigurator : public ProjectConfigurator {
     const HRESULT converted = VariantChangeTypeEx(&answer.value, &answer.value, LOCALE_INVARIANT,
                                                   VARIANT_NOUSEROVERRIDE, VT_BSTR);
     if (FAILED(converted)) {
-      ThrowAbout(ErrorNumber::kTypeMismatch, project_file, "the component's answer is no text");
+      ThrowAbout(ErrorNumber::kTypeMismatch, project_file, Words(Reason::kAnswerIsNoText));
     }
     const BSTR text = answer.value.bstrVal;
     return text == nullptr ? std::string() : ToUtf8({text, SysStringLen(text)});

@@ -8,6 +8,7 @@
 
 #include "environment/code_page.h"
 #include "environment/runtime_error.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -21,8 +22,8 @@ constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 // file says.
 constexpr std::size_t kDeepestKey = 512;
 
-[[noreturn]] void Refuse(std::string_view words) {
-  throw RuntimeError(ErrorNumber::kInvalidCall, std::string(words));
+[[noreturn]] void Refuse(Reason reason, const std::vector<std::string>& parameters = {}) {
+  throw RuntimeError(ErrorNumber::kInvalidCall, Words(reason, parameters));
 }
 
 bool IsLineEnd(char c) { return c == '\r' || c == '\n'; }
@@ -147,7 +148,7 @@ RegistryFile::RegistryFile(std::string_view bytes) : root_(std::make_unique<Key>
     encoding_ = Encoding::kUtf16;
     has_byte_order_mark_ = !looks_like_utf16;
     if (has_byte_order_mark_) bytes.remove_prefix(kUtf16Mark.size());
-    if (bytes.size() % 2 != 0) Refuse("The registry file ends within a character");
+    if (bytes.size() % 2 != 0) Refuse(Reason::kHalfCharacter);
     text = Utf16ToUtf8(bytes);
     is_all_utf8_ = IsUtf8(text);
   } else if (bytes.starts_with(kUtf8Mark)) {
@@ -160,7 +161,7 @@ RegistryFile::RegistryFile(std::string_view bytes) : root_(std::make_unique<Key>
     encoding_ = Encoding::kAnsi;
     text = AnsiToUtf8(bytes);
   }
-  if (text.find('\0') != std::string::npos) Refuse("The registry file holds zero characters");
+  if (text.find('\0') != std::string::npos) Refuse(Reason::kZeroCharacters);
 
   ReadText(text);
 
@@ -183,8 +184,7 @@ void RegistryFile::ReadText(const std::string& text) {
         TrimBlanks(std::string_view(text).substr(begin, content_end - begin));
     if (!has_header_ && !IsBlankOrComment(content)) {
       if (content != kVersion5 && content != kVersion4) {
-        Refuse("The registry file does not begin with \"" + std::string(kVersion5) + "\" or \"" +
-               std::string(kVersion4) + "\"");
+        Refuse(Reason::kNoRegistryHeader, {std::string(kVersion5), std::string(kVersion4)});
       }
       has_header_ = true;
       is_version_5_ = content == kVersion5;
@@ -402,7 +402,7 @@ std::string RegistryFile::ValueLine(std::string_view name, const RegistryValue& 
 }
 
 void RegistryFile::RequireEncodable(std::string_view text) const {
-  if (!IsUtf8(text)) Refuse("Malformed UTF-8 for the registry file");
+  if (!IsUtf8(text)) Refuse(Reason::kMalformedText);
   if (encoding_ == Encoding::kAnsi) static_cast<void>(Utf8ToAnsi(text));
 }
 
@@ -421,14 +421,14 @@ void RegistryFile::EndLastLine() {
 void RegistryFile::Set(std::string_view key, std::string_view name, const RegistryValue& value) {
   if (!IsKeyPath(key) || key.starts_with('-') || HoldsLineBreakOrZero(key) ||
       HoldsLineBreakOrZero(name)) {
-    Refuse("Not a name of the registry: \"" + std::string(key) + "\", \"" + std::string(name) +
-           "\"");
+    Refuse(Reason::kNotForTheRegistry, {std::string(key) + ": " + std::string(name)});
   }
   RequireEncodable(key);
   RequireEncodable(name);
   if (const auto* text = std::get_if<std::string>(&value)) {
     RequireEncodable(*text);
-    if (text->find('\0') != std::string::npos) Refuse("A zero character for the registry");
+    if (text->find('\0') != std::string::npos)
+      Refuse(Reason::kNotForTheRegistry, {std::string(name)});
   }
   const std::string line = ValueLine(name, value) + line_end_;
 

@@ -23,6 +23,7 @@
 #include "environment/host_calls_host.h"
 #include "environment/registry_file.h"
 #include "environment/runtime_error.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -34,7 +35,7 @@ constexpr std::string_view kWow = "Wow6432Node";
 
 // The file is there or is about to be: what is missing can only be its folder.
 [[noreturn]] void ThrowWriteError(int error, const std::string& path) {
-  if (error == ENOENT) ThrowAbout(ErrorNumber::kPathNotFound, path, "Folder not found");
+  if (error == ENOENT) ThrowAbout(ErrorNumber::kPathNotFound, path, Words(Reason::kFolderNotFound));
   ThrowErrno(error, path);
 }
 
@@ -64,8 +65,7 @@ class Lock {
     while (flock(file_.Get(), LOCK_EX | LOCK_NB) != 0) {
       if (errno != EWOULDBLOCK && errno != EINTR) ThrowWriteError(errno, path);
       if (std::chrono::steady_clock::now() >= deadline) {
-        ThrowAbout(ErrorNumber::kPermissionDenied, path,
-                   "Another process is changing the registry");
+        ThrowAbout(ErrorNumber::kPermissionDenied, path, Words(Reason::kRegistryIsBusy));
       }
       std::this_thread::sleep_for(kLockPause);
     }
@@ -87,7 +87,7 @@ void Replace(const std::string& path, std::string_view bytes) {
   const bool existed = stat(path.c_str(), &old) == 0;
   if (existed) {
     if ((old.st_mode & kAnyWriteBit) == 0) {
-      ThrowAbout(ErrorNumber::kPathFileAccess, path, "The file is read-only");
+      ThrowAbout(ErrorNumber::kPathFileAccess, path, Words(Reason::kReadOnly));
     }
     if (access(path.c_str(), W_OK) != 0) ThrowWriteError(errno, path);
   }
@@ -242,7 +242,8 @@ struct HostRegistry::State {
     was_there = true;
     struct stat status = {};
     require(fstat(opened.Get(), &status) == 0);
-    if (!S_ISREG(status.st_mode)) throw RuntimeError(ErrorNumber::kPathFileAccess, "Not a file");
+    if (!S_ISREG(status.st_mode))
+      throw RuntimeError(ErrorNumber::kPathFileAccess, Words(Reason::kNoOrdinaryFile));
     stamp = StampOf(status);
     std::string bytes;
     std::vector<char> block(std::size_t{1} << 18);

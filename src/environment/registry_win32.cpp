@@ -9,6 +9,7 @@
 #include "environment/code_page.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_calls_win32.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -61,7 +62,7 @@ class Key {
 
 [[noreturn]] void ThrowUnwritable(const std::string& what, std::string_view text) {
   ThrowAbout(ErrorNumber::kInvalidCall, what,
-             "the registry cannot hold \"" + std::string(text) + "\"");
+             Words(Reason::kNotForTheRegistry, {std::string(text)}));
 }
 
 bool IsHoldable(std::string_view text) {

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "environment/code_page.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -97,7 +98,7 @@ std::string WordsOfWindowsError(unsigned long error) {
   words.resize(FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
                               error, 0, words.data(), static_cast<DWORD>(words.size()), nullptr));
   while (!words.empty() && (words.back() <= L' ' || words.back() == L'.')) words.pop_back();
-  return words.empty() ? "Windows error " + std::to_string(error) : ToUtf8(words);
+  return words.empty() ? Words(Reason::kWindowsError, {std::to_string(error)}) : ToUtf8(words);
 }
 
 void ThrowAbout(ErrorNumber number, std::string_view what, std::string_view words) {

@@ -13,6 +13,7 @@
 #include "environment/windows_path.h"
 #include "scan/scan_captions.h"
 #include "scan/type_libraries.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -73,7 +74,7 @@ class StudioProjectScan {
         &StudioProjectScan::AddServerComponents, &StudioProjectScan::AddDrivers,
         &StudioProjectScan::AddRctFiles};
     if (!IsAbsolutePath(FullPath(project_.directory))) {
-      throw RuntimeError(ErrorNumber::kPathNotFound, "the project has no directory");
+      throw RuntimeError(ErrorNumber::kPathNotFound, Words(Reason::kNoProjectDirectory));
     }
     for (const auto step : steps) {
       if (Cancelled()) return false;

@@ -14,6 +14,7 @@
 #include "environment/windows_path.h"
 #include "scan/scan_captions.h"
 #include "scan/type_libraries.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -101,10 +102,10 @@ std::string ToHexadecimal(std::string_view text) {
     return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
   });
   if (error == std::errc::result_out_of_range) {
-    throw RuntimeError(ErrorNumber::kOverflow, "\"" + std::string(text) + "\" is too large");
+    throw RuntimeError(ErrorNumber::kOverflow, Words(Reason::kNumberTooLarge, {std::string(text)}));
   }
   if (!is_hexadecimal) {
-    throw RuntimeError(ErrorNumber::kTypeMismatch, "\"" + std::string(text) + "\" is no number");
+    throw RuntimeError(ErrorNumber::kTypeMismatch, Words(Reason::kNoNumber, {std::string(text)}));
   }
   return std::string(text);
 }

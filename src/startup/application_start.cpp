@@ -6,6 +6,7 @@
 #include "environment/installation.h"
 #include "projects/open_project.h"
 #include "projects/project_registry.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -28,6 +29,7 @@ std::unique_ptr<Application> StartApplication(Platform& platform, MessageService
                                               const std::function<void(const Message&)>& show) {
   EnvironmentCheck check = CheckEnvironment(platform.tools, platform.files);
   const TextService texts(check.settings.language_id);
+  SetReasonLanguage(check.settings.language_id);
   if (check.fault) {
     show(texts.ComposeForStart(check.fault->message_id, {check.fault->parameter}));
     return nullptr;
@@ -76,7 +78,7 @@ bool LoadSelectedProject(Application& application) {
   } catch (const RuntimeError& error) {
     return failed(error);
   } catch (const std::bad_alloc&) {
-    return failed(RuntimeError(ErrorNumber::kOutOfMemory, "Out of memory"));
+    return failed(RuntimeError(ErrorNumber::kOutOfMemory, Words(Reason::kOutOfMemory)));
   } catch (const std::exception& error) {
     return failed(RuntimeError(ErrorNumber::kInternal, error.what()));
   }

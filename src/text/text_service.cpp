@@ -1,6 +1,6 @@
 #include "text/text_service.h"
 
-#include "text/m_text.h"
+#include "strings/m_text.h"
 
 namespace txs {
 namespace {

@@ -14,6 +14,7 @@
 
 #include "environment/code_page.h"
 #include "environment/runtime_error.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -385,7 +386,7 @@ class InflateStream {
   InflateStream() {
     constexpr int kRawInflateWindow = -15;
     if (inflateInit2(&stream_, kRawInflateWindow) != Z_OK) {
-      throw RuntimeError(ErrorNumber::kOutOfMemory, "Out of memory");
+      throw RuntimeError(ErrorNumber::kOutOfMemory, Words(Reason::kOutOfMemory));
     }
   }
   InflateStream(const InflateStream&) = delete;
@@ -453,7 +454,8 @@ void Inflate(JoinedPieces& archive, const Entry& entry, std::uint64_t offset, Co
     stream.next_out = reinterpret_cast<Bytef*>(output.data());
     stream.avail_out = static_cast<uInt>(output.size());
     const int result = inflate(&stream, Z_NO_FLUSH);
-    if (result == Z_MEM_ERROR) throw RuntimeError(ErrorNumber::kOutOfMemory, "Out of memory");
+    if (result == Z_MEM_ERROR)
+      throw RuntimeError(ErrorNumber::kOutOfMemory, Words(Reason::kOutOfMemory));
     if (result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR) {
       Fail("the packed contents are damaged");
     }

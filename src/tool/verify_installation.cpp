@@ -12,6 +12,7 @@
 #include "environment/code_page.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
+#include "strings/reason.h"
 #include "tool/archive_check.h"
 #include "tool/setup_script.h"
 
@@ -78,7 +79,8 @@ class Verifier {
 
   VerifyResult Verify() {
     if (directory_.empty() || !files_.FolderExists(directory_)) {
-      throw RuntimeError(ErrorNumber::kPathNotFound, directory_ + ": there is no such directory");
+      throw RuntimeError(ErrorNumber::kPathNotFound,
+                         directory_ + ": " + Words(Reason::kFolderNotFound));
     }
     FindDisks();
     for (auto& [number, disk] : disks_) ListDisk(disk);

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "environment/runtime_error.h"
+#include "strings/reason.h"
 #include "ui/chosen_files.h"
 #include "ui/file_dialogs.h"
 #include "ui/open_files.h"
@@ -68,7 +69,7 @@ OpenFilesAnswer OpenFiles(wxWindow* parent, const FileQuestion& question,
     answer.too_many = error == FNERR_BUFFERTOOSMALL;
     if (error == 0 || answer.too_many) return answer;
     throw RuntimeError(ErrorNumber::kInternal,
-                       "The file dialog of Windows failed with error " + std::to_string(error));
+                       Words(Reason::kFileDialogFailed, {std::to_string(error)}));
   }
   answer.host_paths = SplitChosenFiles(wxString(buffer).utf8_string());
   return answer;

@@ -9,6 +9,7 @@
 
 #include "document/document_world.h"
 #include "document/settings_file.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -224,6 +225,29 @@ TEST(SettingsFileFailures, ProjectWithoutADirectoryHasNoSettingsInTheRootOfTheDr
   EXPECT_EQ(world.Get(kInTheRoot), kOld);
   EXPECT_EQ(world.MessageIds(), (std::vector<long>{901, 901}));
   EXPECT_NE(world.Prompts()[0].find("'Demo'"), std::string::npos);
+}
+
+// What is wrong, and what to do, is said below the message, of a row by its number.
+TEST(SettingsFileFailures, RowThatTheFileCannotHoldIsNamedWithWhatToDo) {
+  struct Case {
+    const char* source;
+    const char* reason;
+  };
+  for (const Case& one :
+       {Case{"C:\\a,b",
+             "(5: Dateiliste, Zeile 1, \"C:\\a,b\": Ein Komma trennt die Felder der "
+             "Einstellungsdatei; benennen Sie"},
+        Case{"C:\\a\nb", "Entfernen Sie den Zeilenumbruch"},
+        Case{" C:\\a", "Entfernen Sie die Leerzeichen"}}) {
+    DocumentWorld world;
+    SetReasonLanguage(1031);
+    world.application.document.files.Append(one.source, "<WinSysDir>", "0");
+
+    EXPECT_FALSE(SaveSettings(world.application));
+
+    ASSERT_EQ(world.MessageIds(), (std::vector<long>{911}));
+    EXPECT_NE(world.Prompts()[0].find(one.reason), std::string::npos) << world.Prompts()[0];
+  }
 }
 
 // As when the share with the project was away while it was opened.

@@ -3,6 +3,7 @@
 #include "environment/archiver_builtin.h"
 #include "environment/installation.h"
 #include "environment/windows_path.h"
+#include "strings/reason.h"
 
 namespace txs {
 
@@ -24,7 +25,10 @@ MemoryPlatform::MemoryPlatform()
                 [this]() -> std::unique_ptr<ProjectConfigurator> {
                   if (!configurator_available) return nullptr;
                   return MakeBuiltInConfigurator(tools);
-                }} {}
+                }} {
+  // What a test before this one has started in another language must not show here.
+  SetReasonLanguage(1033);
+}
 
 void MemoryPlatform::CountEverything() {
   registry.before_change = [this](std::string_view operation, std::string_view key) {

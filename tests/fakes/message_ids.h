@@ -7,7 +7,7 @@
 #include <array>
 #include <vector>
 
-#include "text/string_table.h"
+#include "strings/string_table.h"
 
 namespace txs {
 

@@ -9,7 +9,7 @@
 
 #include "environment/code_page.h"
 #include "fuzz/fuzz_support.h"
-#include "text/m_text.h"
+#include "strings/m_text.h"
 
 namespace txs::fuzz {
 namespace {

@@ -32,7 +32,7 @@
 #include "startup/application_start.h"
 #include "startup/message_routing.h"
 #include "startup/start_routine.h"
-#include "text/string_table.h"
+#include "strings/string_table.h"
 #include "ui/setup_wizard_presenter.h"
 
 namespace txs {

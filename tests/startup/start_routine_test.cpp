@@ -382,6 +382,23 @@ TEST_F(StartRoutineTest, LogSpeaksTheLanguageOfTheStudio) {
   EXPECT_THAT(world.files.Contents(kLog), HasSubstr("The marked files do not exist!"));
 }
 
+// The message was German, and why it came, in the line below it, English.
+TEST_F(StartRoutineTest, ReasonsSpeakTheLanguageOfTheStudio) {
+  const std::string settings = DemoSettings();
+  const std::string path = "path=<ProjectDir>\\Setup";
+  std::string relative = settings;
+  relative.replace(relative.find(path), path.size(), "path=Setup");
+  world.files.AddFile("C:\\Projects\\Demo\\Demo.swz", relative);
+
+  EXPECT_EQ(Run("/c=Demo"), 1);
+  EXPECT_THAT(world.files.Contents(kLog),
+              HasSubstr(Utf8ToAnsi("(52: \"Setup\" ist kein vollständiger Pfad")));
+
+  SetLanguage(1033);
+  EXPECT_EQ(Run("/c=Demo"), 1);
+  EXPECT_THAT(world.files.Contents(kLog), HasSubstr("(52: \"Setup\" is no complete path"));
+}
+
 TEST_F(StartRoutineTest, GivenDirectoryPutsTheLogBesideTheProjectDirectory) {
   world.files.Vanish("C:\\Projects\\Demo\\Trend.ocx");
 

@@ -25,7 +25,12 @@ COMPUTED = [
 ]
 
 # Constants of type long that are no numbers of texts.
-NO_TEXTS = {"environment/project_type.h", "text/m_text.cpp", "text/string_table.cpp"}
+NO_TEXTS = {
+    "environment/project_type.h",
+    "strings/m_text.cpp",
+    "strings/reason.cpp",
+    "strings/string_table.cpp",
+}
 
 CONSTANT = re.compile(r"constexpr long (k\w+) = (\d+);")
 # Calls that take the number of a text as their last argument, or as their first.
@@ -36,6 +41,21 @@ CALLS = [
 # An enumerator: of the stages of the runs, which have the numbers of their captions, and of errors.
 ENUMERATOR = re.compile(r"^ *k\w+ = (\d+),", re.MULTILINE)
 STAGE_HEADERS = {"create/create_view.h", "scan/scan_view.h"}
+# The reasons have numbers one after the other.
+REASONS = "strings/reason.h"
+
+# Words in the code for what went wrong. Only a programming error can say these; " in " is German, too.
+ERROR = re.compile(r'\b(?:RuntimeError|Throw\w*|Refuse)\((?:"(?:[^"\\\n]|\\.)*"|[^";])*;')
+LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
+NO_REASONS = {
+    ' in \\"',
+    " rows, but row ",
+    " was asked for",
+    "A whole hive cannot be removed",
+    "WriteAt beyond what was written",
+    "the file list has ",
+    "there is no text box ",
+}
 
 
 def unescape(literal):
@@ -79,12 +99,22 @@ def constants():
             yield path, name, int(number)
 
 
+def reasons():
+    """Number and name of every reason."""
+    names = re.search(r"enum class Reason[^{]*\{([^}]*)\}", SOURCES[REASONS])[1]
+    first, *others = re.findall(r"k\w+(?: = \d+)?", names)
+    name, _, number = first.partition(" = ")
+    return list(enumerate([name, *others], int(number)))
+
+
 def used_numbers():
     """Number to one place that uses it."""
     used = {number: path for path, _, number in constants()}
     for path, source in SOURCES.items():
         for pattern in CALLS + ([ENUMERATOR] if path in STAGE_HEADERS else []):
             used.update((int(number), path) for number in pattern.findall(source))
+    everything = "".join(source for path, source in SOURCES.items() if path != REASONS)
+    used.update((n, REASONS) for n, name in reasons() if f"Reason::{name}" in everything)
     for path, _, numbers in COMPUTED:
         used.update((number, path) for number in numbers)
     return used
@@ -129,6 +159,19 @@ class Texts(unittest.TestCase):
         for path, name, number in constants():
             uses = len(re.findall(rf"\b{name}\b", SOURCES[path]))
             self.assertGreater(uses, 1, f"{name} ({number}) in src/{path}")
+
+    def test_every_reason_has_its_texts_and_every_such_text_its_reason(self):
+        self.assertEqual([n for n in TABLE if 1800 <= n <= 1899], [n for n, _ in reasons()])
+
+    def test_reasons_come_from_the_table(self):
+        found = {
+            words
+            for path in sorted((ROOT / "src").rglob("*.cpp"))
+            for statement in ERROR.findall(path.read_text(encoding="utf-8"))
+            for words in LITERAL.findall(statement)
+            if re.search(r"[a-z]{2} ", words)
+        }
+        self.assertEqual(found, NO_REASONS)
 
     def test_computed_numbers_are_computed_as_this_test_believes(self):
         for path, expression, _ in COMPUTED:

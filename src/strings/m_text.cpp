@@ -1,9 +1,9 @@
-#include "text/m_text.h"
+#include "strings/m_text.h"
 
 #include <algorithm>
 #include <limits>
 
-#include "text/string_table.h"
+#include "strings/string_table.h"
 
 namespace txs::MText {
 namespace {

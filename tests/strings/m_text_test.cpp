@@ -1,4 +1,4 @@
-#include "text/m_text.h"
+#include "strings/m_text.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "text/string_table.h"
+#include "strings/string_table.h"
 
 namespace txs {
 namespace {

@@ -1,4 +1,4 @@
-#include "text/string_table.h"
+#include "strings/string_table.h"
 
 #include <algorithm>
 
