@@ -112,6 +112,7 @@ if [ "$preset" = ci ]; then
   run_check arrows-self-test tools/check_arrows.sh --self-test
   run_check source-lists tools/check_source_lists.sh
   run_check words tools/check_words.sh
+  run_check mutations tools/mutations.py --check
   run_check format format_check
   run_check package tests/package/deb_test.sh "$build"
 fi

@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""tools/mutations.py [--only NAME ...] [--list] [--scratch DIR]
+"""tools/mutations.py [--only NAME ...] [--list | --check] [--scratch DIR]
 
 Makes one condition after the other wrong, in a copy of the project, and runs the tests that ought to
 notice. Prints which test did. Exit code 1 when a mutation survived, or no longer fits the source.
 
 Not part of test.sh: run it when one of these conditions, or a test of theirs, has changed. It builds
 the tests once, and then for each mutation one source and the programs with it. DIR, which it makes
-and keeps for the next time, is build/mutations unless given.
+and keeps for the next time, is build/mutations unless given. What test.sh does is --check: each
+mutation still has its place in the sources. It builds nothing.
 """
 
 import argparse
@@ -142,8 +143,8 @@ MUTATIONS = [
         "cycle of dependencies",
         "files that need each other make Scan run without end",
         "src/scan/dependency_resolution.cpp",
-        "  this_source = true;\n",
-        "",
+        "(is_product ? done.product : done.usual)) return true;",
+        "false) return true;",
         ("scan_test",),
     ),
     Mutation(
@@ -210,12 +211,29 @@ def notice(tree, program):
     return f"{started[-1] if started else program} ends the program ({done.returncode})"
 
 
+def places(tree, mutation):
+    """How often its condition stands in its source."""
+    path = tree / mutation.file
+    return path.read_text(encoding="utf-8").count(mutation.original) if path.is_file() else 0
+
+
+def check(chosen):
+    misfits = [mutation for mutation in chosen if places(ROOT, mutation) != 1]
+    for mutation in misfits:
+        print(
+            f"{mutation.file}: the condition of mutation '{mutation.name}' stands there"
+            f" {places(ROOT, mutation)} times instead of once",
+            file=sys.stderr,
+        )
+    return 1 if misfits or not chosen else 0
+
+
 def try_out(tree, mutation):
     """(caught, words)"""
+    if places(tree, mutation) != 1:
+        return False, f"no longer fits: {mutation.file}"
     path = tree / mutation.file
     source = path.read_text(encoding="utf-8")
-    if source.count(mutation.original) != 1:
-        return False, f"no longer fits: {mutation.file}"
     path.write_text(source.replace(mutation.original, mutation.mutated), encoding="utf-8")
     try:
         built = build(tree, mutation.programs)
@@ -234,6 +252,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[2])
     parser.add_argument("--only", nargs="+", default=[])
     parser.add_argument("--list", action="store_true", help="as rows of a table, without a run")
+    parser.add_argument("--check", action="store_true", help="that each still fits, without a run")
     parser.add_argument("--scratch", type=pathlib.Path, default=ROOT / "build/mutations")
     arguments = parser.parse_args()
     chosen = [m for m in MUTATIONS if not arguments.only or m.name in arguments.only]
@@ -241,6 +260,8 @@ def main():
         for mutation in chosen:
             print(f"| {mutation.name} | {mutation.file} | {mutation.harm} |")
         return 0
+    if arguments.check:
+        return check(chosen)
 
     tree = arguments.scratch.resolve()
     tree.mkdir(parents=True, exist_ok=True)
