@@ -14,7 +14,7 @@ ui_packages='libwxgtk3.2-dev libgtk-3-dev pkgconf'
 test_packages='libgtest-dev libgmock-dev clang-format gcovr git python3 pkgconf libzip-dev unzip p7zip-full'
 
 # The windows on a display of their own, as the tests and the screenshots need it.
-display_packages='xvfb openbox xdotool x11-utils imagemagick fonts-dejavu-core adwaita-icon-theme librsvg2-common'
+display_packages='xvfb openbox xdotool xclip x11-utils imagemagick fonts-dejavu-core adwaita-icon-theme librsvg2-common'
 # The programs for Windows: compilers, what their libraries are built from and with, and what the tests
 # run under.
 windows_packages='g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix libz-mingw-w64-dev googletest

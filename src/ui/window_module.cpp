@@ -3,6 +3,7 @@
 
 #include <exception>
 
+#include "strings/reason.h"
 #include "ui/help_viewer.h"
 #include "ui/window_app.h"
 #include "ui/windows.h"
@@ -20,6 +21,8 @@ class Attachment {
  public:
   Attachment(Application& application, WindowApp& app, WxMessageBoxes& boxes)
       : help_(application.platform.host_paths), app_(app), boxes_(boxes) {
+    // The module has its own copy of what the program has set.
+    SetReasonLanguage(application.texts.LanguageId());
     boxes_.Use(application.texts, [&application, this](int help_context) {
       ShowHelp(application, help_, help_context);
     });

@@ -19,6 +19,7 @@ from wizard_session import (
     Wizard,
     access_key,
     active_window,
+    copied_text,
     message_title,
     picture_of_screen,
 )
@@ -73,7 +74,7 @@ class Session(unittest.TestCase):
         # What the toolkit complains about is a mistake in its use.
         self.assertNotRegex(wizard.said(), "CRITICAL|WARNING|assert|[Ee]xception")
 
-    def scan_and_edit(self, wizard):
+    def scan_and_edit(self, wizard, destination=DESTINATION):
         """In step 4: Scan, then another destination for the first of the found files."""
         wizard.press("F5")
         wizard.wait_for_message(917)
@@ -83,7 +84,7 @@ class Session(unittest.TestCase):
         wizard.wait_for_text(1001, PROJECT)
         # The list has the focus: what was found is to be looked through.
         wizard.press("Home", "Right", "F2", "ctrl+a")
-        wizard.type(DESTINATION)
+        wizard.type(destination)
         wizard.press("Return")
 
     def create(self, wizard):
@@ -141,6 +142,24 @@ class Session(unittest.TestCase):
 
         self.assert_ended_well(wizard)
         self.assert_job_done()
+
+    def test_a_message_says_why_in_the_language_of_the_studio(self):
+        reasons = {
+            GERMAN: "Ein Komma trennt die Felder der Einstellungsdatei",
+            ENGLISH: "a comma separates the fields of the settings file",
+        }
+        for language, reason in reasons.items():
+            with self.subTest(language):
+                self.lay(language)
+                wizard = self.start(PROJECT)
+                wizard.wait_for_text(1001, PROJECT)
+                wizard.press("alt+4")
+                self.scan_and_edit(wizard, destination="C:\\a,b")
+
+                wizard.press("ctrl+s")
+                wizard.wait_for_message(911)
+                wizard.press("ctrl+c")
+                self.assertIn(reason, copied_text())
 
     def test_closing_without_saving_leaves_the_settings_as_they_were(self):
         self.lay()

@@ -201,5 +201,11 @@ def active_window():
     return lines[1], lines[2]
 
 
+def copied_text():
+    """What lies on the clipboard of the display."""
+    command = ["xclip", "-out", "-selection", "clipboard"]
+    return subprocess.run(command, stdout=subprocess.PIPE, check=True).stdout.decode()
+
+
 def picture_of_screen(path):
     subprocess.run(["import", "-silent", "-window", "root", str(path)], check=False)
