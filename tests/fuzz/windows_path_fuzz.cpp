@@ -20,6 +20,8 @@ namespace txs::fuzz {
 namespace {
 
 constexpr std::size_t kMostVariables = 8;
+// What resolving one variable may cost: its text grows by 1 MiB at most, in strings that double.
+constexpr std::size_t kMostGrowth = std::size_t{4} << 20;
 
 bool IsSeparator(char c) { return c == '\\' || c == '/'; }
 
@@ -126,12 +128,15 @@ void FuzzWindowsPath(std::string_view input) {
   const std::vector<std::string_view> parts = Parts(input, 2 + kMostVariables);
   const std::string_view path = parts[0];
   const std::string_view other = parts.size() > 1 ? parts[1] : parts[0];
+  const Allocations allocations;
   CheckComponents(path);
   CheckTidying(path, other);
-  const Allocations allocations;
   CheckWildcard(path.substr(0, 4096), other.substr(0, 4096));
   CheckVariables(path, parts);
   CheckSeries(path);
+  // A text may grow to some length by what its variables stand for, whatever that of the input is.
+  allocations.RequireAtMost(input.size(), 100, "paths take memory as their length",
+                            /*always=*/kMostVariables * kMostGrowth);
 }
 
 }  // namespace
