@@ -12,6 +12,7 @@
 #include "create/setup_kit.h"
 #include "create/stage_view.h"
 #include "document/document_check.h"
+#include "document/mdac.h"
 #include "document/medium.h"
 #include "document/path_variables.h"
 #include "document/project_lock.h"
@@ -37,42 +38,20 @@ bool RunStage(CreateView& view, CreateStage stage, const std::function<bool()>& 
   return succeeded;
 }
 
-// With the option for the minimal MDAC installation, its small installer takes the place of the
-// full one, in the lists and in the script.
-void ApplyMinimalMdac(Application& application) {
-  SetupDocument& document = application.document;
-  if (!document.steps.minimal_mdac) return;
-  const std::string minimal_source =
-      ToVariableForm(document.path_variables,
-                     JoinPath(application.installation.SetupKitDirectory(), "Mdac_min.exe"),
-                     VariableForm::kWholePath);
-  for (FileRow* row : document.AllRows()) {
-    if (EqualNoCase(FileName(row->source), "Mdac_typ.exe")) row->source = minimal_source;
-  }
-
-  // Rebuilt through AddUnique: a Scan after an earlier Create has added the full entry again, and
-  // the minimal one must not run twice.
-  std::vector<std::string> entries;
-  for (const std::string& entry : document.extra_todo_lines) {
-    if (EqualNoCase(entry, FullMdacEntry())) {
-      AddUnique(entries, MinimalMdacEntry());
-    } else {
-      AddUnique(entries, entry);
-    }
-  }
-  document.extra_todo_lines = std::move(entries);
-}
-
 // What comes before the stages. The path variables are extended first, so that <TempDir> and the
 // user directories resolve from here on.
 bool Prepare(Application& application) {
   const std::string no_subject;
   const bool prepared = AtWorkBorder(application, kMessageOutputDirectory, no_subject, [&] {
     ExtendPathVariables(application);
-    ApplyMinimalMdac(application);
+    if (application.document.steps.minimal_mdac) {
+      UseMinimalMdac(application);
+    } else {
+      UseFullMdac(application);
+    }
     return true;
   });
-  return prepared && CheckDocument(application, Step::kAll);
+  return prepared && CheckDocument(application, Step::kAll) && CheckScriptCharacters(application);
 }
 
 std::string ResolveOutputDirectory(const Application& application) {

@@ -50,6 +50,23 @@ std::string DateText(const LocalTime& time) {
   return std::string(text.data(), static_cast<std::size_t>(length));
 }
 
+// Where the first of the commands ends that an entry joins by "@". A project or a driver may have
+// an
+// "@" in its name: within the parentheses of a command, one that no command follows joins nothing.
+std::size_t EndOfCommand(std::string_view commands) {
+  const auto is_letter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
+  for (std::size_t at = commands.find('@'); at != std::string_view::npos;
+       at = commands.find('@', at + 1)) {
+    const std::string_view before = commands.substr(0, at);
+    if (before.find('(') == std::string_view::npos) return at;
+    if (before.back() != ')') continue;
+    std::size_t next = at + 1;
+    while (next < commands.size() && is_letter(commands[next])) ++next;
+    if (next == commands.size() || commands[next] == '(' || commands[next] == '@') return at;
+  }
+  return commands.size();
+}
+
 class ScriptWriter {
  public:
   explicit ScriptWriter(Application& application)
@@ -179,12 +196,11 @@ class ScriptWriter {
 
   void WriteExtraEntries() {
     for (const std::string& entry : application_.document.extra_todo_lines) {
-      // An empty piece is no command: the engine's scripts have no blank lines.
-      std::size_t begin = 0;
-      while (begin < entry.size()) {
-        const std::size_t end = std::min(entry.find('@', begin), entry.size());
-        if (end > begin) Line(std::string_view(entry).substr(begin, end - begin));
-        begin = end + 1;
+      for (std::string_view rest = entry; !rest.empty();) {
+        const std::size_t end = EndOfCommand(rest);
+        // An empty piece is no command: the engine's scripts have no blank lines.
+        if (end > 0) Line(rest.substr(0, end));
+        rest.remove_prefix(std::min(end + 1, rest.size()));
       }
     }
   }
@@ -253,6 +269,31 @@ std::string UserDirectoriesAstray(SetupDocument& document) {
 
 std::string SetupControlText(Application& application) { return ScriptWriter(application).Write(); }
 
+bool CheckScriptCharacters(Application& application) {
+  return AtWorkBorder(application, kMessageControlFile, kScriptName, [&] {
+    const auto check = [](std::string_view text) { static_cast<void>(Utf8ToAnsi(text)); };
+    SetupDocument& document = application.document;
+    const StepSettings& steps = document.steps;
+    check(application.project.name);
+    check(document.program_name);
+    for (const std::string& info : steps.info.german) check(info);
+    for (const std::string& info : steps.info.english) check(info);
+    for (const auto* text : {&steps.startmenu_folder, &steps.startmenu_link}) {
+      check(text->german);
+      check(text->english);
+    }
+    check(steps.tavix_directory);
+    check(steps.project_directory);
+    for (const UserDirectory& directory : steps.user_directories) check(directory.directory);
+    for (const FileRow* row : document.AllRows()) {
+      check(FileName(SourcePath(document.path_variables, row->source)));
+      check(row->destination);
+    }
+    for (const std::string& entry : document.extra_todo_lines) check(entry);
+    return true;
+  });
+}
+
 bool WriteSetupControlFile(Application& application, CreateView& view, const CreateState& state) {
   std::uint64_t script_bytes = 0;
   const bool written = AtWorkBorder(application, kMessageControlFile, kScriptName, [&] {
@@ -281,18 +322,6 @@ bool WriteSetupControlFile(Application& application, CreateView& view, const Cre
     if (!astray.empty()) ShowWarning(application, kMessageUserDirectoryAstray, {astray});
   }
   return written;
-}
-
-std::string FullMdacEntry() {
-  return "ExecFile(<TempDir>\\mdac_typ.exe|0|/q:a|/c:\"setup.exe /qt\")"
-         "@DeleteFile(<TempDir>\\mdac_typ.exe)"
-         "@SetVar(Reboot|1)";
-}
-
-std::string MinimalMdacEntry() {
-  return "ExecFile(<TempDir>\\Mdac_min.exe|0|/S)"
-         "@DeleteFile(<TempDir>\\Mdac_min.exe)"
-         "@SetVar(Reboot|1)";
 }
 
 }  // namespace txs

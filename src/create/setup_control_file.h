@@ -22,8 +22,9 @@ namespace txs {
 [[nodiscard]] bool WriteSetupControlFile(Application& application, CreateView& view,
                                          const CreateState& state);
 
-// The complete extra to-do entries of the MDAC installer and of its minimal replacement.
-[[nodiscard]] std::string FullMdacEntry();
-[[nodiscard]] std::string MinimalMdacEntry();
+// Whether the code page has every character that the script will need. False after message 904,
+// which names the first that it lacks. Asked before the run deletes the old disks, as the script
+// comes last.
+[[nodiscard]] bool CheckScriptCharacters(Application& application);
 
 }  // namespace txs

@@ -24,6 +24,7 @@ constexpr long kDirectoriesMissing = 1708;
 constexpr long kFilesMissing = 1709;
 constexpr long kDestinationsMissing = 1710;
 constexpr long kNoDriveDirectory = 1712;
+constexpr long kSeparatorInText = 1935;
 constexpr long kFilesConcerned = 1940;
 
 // A message that names more would bury what it says.
@@ -56,6 +57,20 @@ MaybeFinding CheckPictures(Application& application, Finding& doing) {
   return std::nullopt;
 }
 
+// The script separates what its commands are given by "|" and knows no way to write one.
+MaybeFinding CheckSeparator(const std::string& text) {
+  if (text.find('|') == std::string::npos) return std::nullopt;
+  return Finding{kSeparatorInText, {text}, &text};
+}
+
+MaybeFinding CheckShellLinks(const StepSettings& steps) {
+  for (const auto* text : {&steps.startmenu_folder, &steps.startmenu_link}) {
+    if (MaybeFinding finding = CheckSeparator(text->german)) return finding;
+    if (MaybeFinding finding = CheckSeparator(text->english)) return finding;
+  }
+  return std::nullopt;
+}
+
 MaybeFinding CheckDirectories(const StepSettings& steps, Finding& doing) {
   for (const std::string* directory : {&steps.tavix_directory, &steps.project_directory}) {
     doing = {kDirectoriesMissing, {}, directory};
@@ -63,8 +78,8 @@ MaybeFinding CheckDirectories(const StepSettings& steps, Finding& doing) {
   }
 
   const auto check = [](const std::string& directory) -> MaybeFinding {
-    if (IsDriveDirectory(directory)) return std::nullopt;
-    return Finding{kNoDriveDirectory, {directory}, &directory};
+    if (!IsDriveDirectory(directory)) return Finding{kNoDriveDirectory, {directory}, &directory};
+    return CheckSeparator(directory);
   };
   if (MaybeFinding finding = check(steps.tavix_directory)) return finding;
   if (MaybeFinding finding = check(steps.project_directory)) return finding;
@@ -113,6 +128,11 @@ MaybeFinding CheckFiles(Application& application, Finding& doing) {
   if (!files_exist) return doing;
   doing = {kDestinationsMissing, {}};
   if (!MarkMissingDestinations(document)) return doing;
+  for (FileRow* const row : document.AllRows()) {
+    if (row->destination.find('|') == std::string::npos) continue;
+    row->marked = true;
+    return Finding{kSeparatorInText, {row->destination}};
+  }
   return std::nullopt;
 }
 
@@ -151,6 +171,7 @@ MaybeFinding RunCheck(Application& application, Step step, Finding& doing) {
   const auto concerns = [step](Step part) { return step == Step::kAll || step == part; };
   if (concerns(Step::kTexts)) {
     if (MaybeFinding finding = CheckPictures(application, doing)) return finding;
+    if (MaybeFinding finding = CheckShellLinks(application.document.steps)) return finding;
   }
   if (concerns(Step::kDirectories)) {
     if (MaybeFinding finding = CheckDirectories(application.document.steps, doing)) return finding;

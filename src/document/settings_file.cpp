@@ -35,6 +35,7 @@ constexpr char kEnglishStartmenuFolder[] = "Visualization";
 
 constexpr long kMessageWriting = 911;
 constexpr long kMessageCannotEdit = 901;
+constexpr long kMessageGap = 1936;
 constexpr long kMessageNotRead = 1931;
 constexpr long kMessageChangedByAnother = 1933;
 
@@ -95,6 +96,16 @@ bool ReadFlag(const ProfileDocument& settings, const char* section, const char* 
   return text && ParseWholeNumber(*text) == 1;
 }
 
+// The number that a key is: decimal digits only, and no more than 32 bits hold.
+std::optional<long> KeyNumber(std::string_view key) {
+  std::int32_t number = 0;
+  const char* const end = key.data() + key.size();
+  if (key.empty() || key.front() == '-') return std::nullopt;
+  const auto [stopped, error] = std::from_chars(key.data(), end, number);
+  if (error != std::errc() || stopped != end) return std::nullopt;
+  return number;
+}
+
 // Calls `take` with the value of the keys "01", "02", ... up to the first absent or empty one.
 template <typename Take>
 void ForEachNumbered(const ProfileDocument& settings, const char* section, Take take) {
@@ -134,21 +145,23 @@ void AppendRowFrom(std::string value, FileList& list) {
               std::string(TrimBlanks(text.substr(second + 1))));
 }
 
+// How many entries of a numbered list are not read because a number before them is missing.
+std::size_t EntriesBehindAGap(const ProfileDocument& settings, const char* section) {
+  std::int32_t read = 0;
+  ForEachNumbered(settings, section, [&](const std::string& /*value*/) { ++read; });
+  std::size_t cut_off = 0;
+  for (const ProfileEntry& entry : settings.Section(section)) {
+    const std::optional<long> number = KeyNumber(entry.name);
+    if (number && *number > read && !entry.value.empty()) ++cut_off;
+  }
+  return cut_off;
+}
+
 FileList ReadFileList(const ProfileDocument& settings, const char* section) {
   FileList list;
   ForEachNumbered(settings, section,
                   [&](std::string value) { AppendRowFrom(std::move(value), list); });
   return list;
-}
-
-// The number of a user directory's key: decimal digits only, and no more than 32 bits hold.
-std::optional<long> UserDirectoryNumber(std::string_view key) {
-  std::int32_t number = 0;
-  const char* const end = key.data() + key.size();
-  if (key.empty() || key.front() == '-') return std::nullopt;
-  const auto [stopped, error] = std::from_chars(key.data(), end, number);
-  if (error != std::errc() || stopped != end) return std::nullopt;
-  return number;
 }
 
 bool LooksNumeric(std::string_view key) {
@@ -165,7 +178,7 @@ UserDirectoryEntries ReadUserDirectories(const ProfileDocument& settings) {
   UserDirectoryEntries entries;
   std::unordered_set<long> known;
   for (ProfileEntry& entry : settings.Section(kPath)) {
-    const std::optional<long> number = UserDirectoryNumber(entry.name);
+    const std::optional<long> number = KeyNumber(entry.name);
     // "1" and "01" name the same <UserDir1>: the first has it.
     if (number && known.insert(*number).second) {
       entries.read.push_back({*number, std::move(entry.value)});
@@ -463,6 +476,12 @@ void ReadSettings(Application& application) {
   Take(std::move(read), document);
   document.settings_source = has_file ? SettingsSource::kFile : SettingsSource::kNoFile;
   document.settings_digest = digest;
+  for (const char* section : {kFile, kHiddenFile, kIni, kHiddenIni}) {
+    const std::size_t cut_off = EntriesBehindAGap(settings, section);
+    if (cut_off == 0) continue;
+    ShowWarning(application, kMessageGap,
+                {application.project.SettingsFile(), section, std::to_string(cut_off)});
+  }
 }
 
 void WriteSettings(Application& application) {
@@ -547,7 +566,9 @@ void ExtendPathVariables(Application& application) {
                    [](const UserDirectory& left, const UserDirectory& right) {
                      return left.number < right.number;
                    });
-  for (UserDirectory& directory : directories) {
+  for (const UserDirectory& directory : directories) {
+    // Every path begins with an empty value.
+    if (directory.directory.empty()) continue;
     variables.push_back({kUserDirPrefix + std::to_string(directory.number) + ">",
                          AsVariableValue(directory.directory)});
   }

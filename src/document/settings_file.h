@@ -10,7 +10,8 @@ namespace txs {
 // replaced. Absent file, section or key: the default. The path variables must be built before.
 // Throws RuntimeError when the file exists and cannot be read; the document then holds the
 // defaults, and `settings_source` keeps a save from putting them in place of the file. A project
-// without a directory has the defaults and no file.
+// without a directory has the defaults and no file. Message 1936 names every numbered list that a gap
+// cuts short.
 void ReadSettings(Application& application);
 
 // Writes steps and document to the file and clears the changed flag. Atomic: on failure the file is

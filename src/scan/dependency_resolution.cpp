@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "document/mdac.h"
 #include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/full_path.h"
@@ -15,8 +16,6 @@ namespace {
 constexpr long kMessageAddingFile = 907;
 constexpr long kMessageMdacHint = 917;
 
-constexpr char kMdacInstaller[] = "mdac_typ.exe";
-constexpr char kMinimalMdacInstaller[] = "Mdac_min.exe";
 constexpr char kJetServicePack[] = "Jet40Sp3_Comp.exe";
 constexpr char kTemporaryDirectory[] = "<TempDir>";
 
@@ -37,11 +36,8 @@ struct DependencyResolver::Installer {
   const char* script_line;
 };
 
-const DependencyResolver::Installer DependencyResolver::kMdac = {
-    kMdacInstaller, "Mdac_typ.exe",
-    "ExecFile(<TempDir>\\mdac_typ.exe|0|/q:a|/c:\"setup.exe /qt\")"
-    "@DeleteFile(<TempDir>\\mdac_typ.exe)"
-    "@SetVar(Reboot|1)"};
+const DependencyResolver::Installer DependencyResolver::kMdac = {kFullMdacInstaller, "Mdac_typ.exe",
+                                                                 kFullMdacEntry};
 const DependencyResolver::Installer DependencyResolver::kJet = {
     kJetServicePack, kJetServicePack,
     "ExecFile(<TempDir>\\Jet40Sp3_Comp.exe|0|/q)"
@@ -99,7 +95,8 @@ bool DependencyResolver::Enter(const std::string& path, Force force, const Depen
   session_.View().ShowFile(path);
   if (session_.CancelledMeanwhile()) return false;
 
-  if (force == Force::kNo && session_.App().use_runtime_setup && IsNamed(path, kMdacInstaller)) {
+  if (force == Force::kNo && session_.App().use_runtime_setup &&
+      IsNamed(path, kFullMdacInstaller)) {
     // It is not packaged then, so nobody needs to say where it is.
     const bool below_kept_row = !frames_.empty() && frames_.back().kept;
     return below_kept_row || AddMdacAndJet(Force::kNo);
@@ -192,10 +189,10 @@ std::optional<DependencyResolver::Section> DependencyResolver::FindSection(
 // a component that data access brings along must not be listed on its own before that is noticed.
 bool DependencyResolver::IsReplacedByMdac(const std::string& path,
                                           const std::optional<Section>& section) {
-  if (section && EqualNoCase(section->entries.replace, kMdacInstaller)) return true;
+  if (section && EqualNoCase(section->entries.replace, kFullMdacInstaller)) return true;
   if (Product() == nullptr || (section && section->source == Product())) return false;
   const std::optional<DependencyEntries> entries = Product()->Find(FileName(path));
-  return entries && EqualNoCase(entries->replace, kMdacInstaller);
+  return entries && EqualNoCase(entries->replace, kFullMdacInstaller);
 }
 
 void DependencyResolver::TakeRow(const ScanSession::Located& located, Force force,
@@ -248,12 +245,12 @@ std::vector<std::string> DependencyResolver::ChainTo(std::string_view name) cons
 
 bool DependencyResolver::AddMdacAndJet(Force force) {
   Application& application = session_.App();
-  const std::string subject = kMdacInstaller;
+  const std::string subject = kFullMdacInstaller;
   return AtWorkBorder(application, kMessageAddingFile, subject, [&] {
     if (mdac_done_) return true;
     const std::vector<std::string>& lines = application.document.extra_todo_lines;
     if (force == Force::kNo &&
-        (ListsInstaller(kMdacInstaller) ||
+        (ListsInstaller(kFullMdacInstaller) ||
          std::any_of(lines.begin(), lines.end(), [](const std::string& line) {
            return EqualNoCase(line, kMdac.script_line);
          }))) {
@@ -351,7 +348,7 @@ void DependencyResolver::AddInstallerLinesOfKeptRows() {
     const bool is_minimal =
         document.steps.minimal_mdac &&
         IsNamed(kept.source, kMinimalMdacInstaller);  // Create shortens the line
-    if (is_minimal || IsNamed(kept.source, kMdacInstaller)) {
+    if (is_minimal || IsNamed(kept.source, kFullMdacInstaller)) {
       session_.AddScriptLine(kMdac.script_line);
     }
     if (IsNamed(kept.source, kJetServicePack)) session_.AddScriptLine(kJet.script_line);

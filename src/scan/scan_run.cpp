@@ -3,6 +3,7 @@
 #include <exception>
 #include <string>
 
+#include "document/mdac.h"
 #include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/full_path.h"
@@ -13,6 +14,7 @@
 #include "scan/studio_project_scan.h"
 #include "scan/vb_project_reader.h"
 #include "scan/visual_basic.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -23,6 +25,7 @@ constexpr long kTextRuntimeSetupUsed = 730;
 constexpr long kTextRuntimeSetupNotUsed = 731;
 constexpr long kMessageScanning = 908;
 constexpr long kMessageDesignerNotSupported = 1713;
+constexpr long kMessageNoProductList = 1937;
 
 class BusyPointer {
  public:
@@ -40,42 +43,63 @@ bool ScanDesignerProject(ScanSession& session, DependencyResolver& resolver) {
   Application& application = session.App();
   const std::string studio_project = application.project.StudioProjectFile();
   return AtWorkBorder(application, kMessageScanning, studio_project, [&] {
-    SystemTools& tools = application.platform.tools;
-    const std::string designer =
-        tools.ReadText("Global", "Designer", /*default_value=*/{}, studio_project);
+    const ProfileDocument& project = application.platform.profiles.Open(studio_project);
+    const std::string designer = project.Value("Global", "Designer").value_or("");
     if (!IsVisualBasic(designer)) {
       ShowWarning(application, kMessageDesignerNotSupported, {designer});
       return true;
     }
-    const std::string file =
-        tools.ReadText("Global", "DesignerProject", /*default_value=*/{}, studio_project);
+    const std::string file = project.Value("Global", "DesignerProject").value_or("");
+    if (file.empty()) {
+      throw RuntimeError(ErrorNumber::kBadFileName,
+                         studio_project + ": " + Words(Reason::kNoDesignerProject));
+    }
     VisualBasicProjectReader reader(session, resolver);
     return EqualNoCase(Extension(file), "vbg") ? reader.ReadGroup(file) : reader.ReadProject(file);
   });
 }
 
-bool CanOpen(ProfileFiles& profiles, const std::string& path) {
+// Asked before the file is read: one that does not exist would read as an empty one.
+bool OpensAsItIs(Application& application, const std::string& path) {
+  if (!application.platform.files.FileExists(path)) return false;
+  static_cast<void>(application.platform.profiles.Open(path));
+  return true;
+}
+
+bool IsReadable(Application& application, const std::string& path) {
   try {
-    static_cast<void>(profiles.Open(path));
-    return true;
+    return OpensAsItIs(application, path);
   } catch (const RuntimeError&) {
     return false;
   }
 }
 
+// The studio's own list brings drivers, script entries and the names that are never packaged.
+// Without it a Scan ends well with an installation that does not run.
+void CheckProductList(ScanSession& session) {
+  Application& application = session.App();
+  const std::string list = application.ProductDependencyFile();
+  try {
+    if (OpensAsItIs(application, list)) return;
+    ShowWarning(application, kMessageNoProductList, {list});
+  } catch (const RuntimeError& error) {
+    ShowError(application, kMessageNoProductList, {list}, error);
+  }
+  session.RecordMissing(FileName(list), {FileName(list)});
+}
+
 bool RunStages(ScanSession& session) {
   DependencyResolver resolver(session);
   resolver.AddInstallerLinesOfKeptRows();
+  CheckProductList(session);
   bool succeeded = ScanStudioProject(session, resolver);
   if (session.View().IsCancelPressed()) return false;
-  // A project file that cannot be read ended the first stage with the message that the second would
-  // show again.
-  const Application& application = session.App();
-  if (!succeeded &&
-      !CanOpen(application.platform.profiles, application.project.StudioProjectFile())) {
+  // A project file that cannot be read or is missing was the first stage's message.
+  if (IsReadable(session.App(), session.App().project.StudioProjectFile())) {
+    succeeded = ScanDesignerProject(session, resolver) && succeeded;
+  } else if (!succeeded) {
     return false;
   }
-  succeeded = ScanDesignerProject(session, resolver) && succeeded;
   if (session.View().IsCancelPressed()) return false;
   return resolver.FollowKeptRows() && succeeded;
 }
@@ -92,6 +116,7 @@ ScanResult RunScan(Application& application, ScanView& view, SearchFileDialog& d
     const BusyPointer busy(view);
     result.succeeded =
         AtWorkBorder(application, kMessageScanning, application.project.StudioProjectFile(), [&] {
+          if (!application.document.steps.minimal_mdac) UseFullMdac(application);
           ScanSession session(application, view, dialog);
           const bool succeeded = RunStages(session);
           session.StoreUnfinished(/*is_complete=*/succeeded && !view.IsCancelPressed());

@@ -63,6 +63,7 @@ enum class Reason : long {
   kArchiveIsShorter,
   kKeyIsMissing,
   kNoNumberOfFiles,
+  kNoDesignerProject,
 };
 
 // 1033 is English, which holds until something else is said; every other number is German. For the

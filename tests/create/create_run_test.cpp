@@ -11,6 +11,7 @@
 
 #include "create/create_world.h"
 #include "create/setup_control_file.h"
+#include "document/mdac.h"
 #include "document/medium.h"
 #include "document/trailing_number.h"
 #include "environment/runtime_error.h"
@@ -268,20 +269,20 @@ class MinimalMdac : public CreateRun {
     world_.Add("C:\\Kits\\MDAC_TYP.exe", "full", "<TempDir>");
     world_.AddHidden("<TavixMainDir>\\SetupKit\\mdac_typ.EXE", "full", "<TempDir>");
     world_.files.AddFile("C:\\Tavix\\SetupKit\\Mdac_min.exe", "minimal");
-    document_.extra_todo_lines = {"First(1)", FullMdacEntry(), "Last(1)"};
+    document_.extra_todo_lines = {"First(1)", kFullMdacEntry, "Last(1)"};
   }
 };
 
 TEST_F(MinimalMdac, WithTheOptionRowsAndEntryAreReplaced) {
   document_.steps.minimal_mdac = true;
-  document_.extra_todo_lines[1] = "EXECFILE" + FullMdacEntry().substr(8);
+  document_.extra_todo_lines[1] = "EXECFILE" + std::string(kFullMdacEntry).substr(8);
 
   EXPECT_TRUE(world_.Run().succeeded);
 
   EXPECT_EQ(document_.files.Row(3).source, "<TavixMainDir>\\SetupKit\\Mdac_min.exe");
   EXPECT_EQ(document_.files.Row(3).length_bytes, 7u);
   EXPECT_EQ(document_.hidden_files.Row(1).source, "<TavixMainDir>\\SetupKit\\Mdac_min.exe");
-  EXPECT_THAT(document_.extra_todo_lines, ElementsAre("First(1)", MinimalMdacEntry(), "Last(1)"));
+  EXPECT_THAT(document_.extra_todo_lines, ElementsAre("First(1)", kMinimalMdacEntry, "Last(1)"));
   const std::string script = world_.Output().at("DISK1\\SETUP.STP");
   EXPECT_THAT(script, HasSubstr("First(1)\r\nExecFile(<TempDir>\\Mdac_min.exe|0|/S)\r\n"
                                 "DeleteFile(<TempDir>\\Mdac_min.exe)\r\nSetVar(Reboot|1)\r\nLast"));
@@ -295,7 +296,7 @@ TEST_F(MinimalMdac, WithoutTheOptionRowsAndEntryStay) {
   EXPECT_TRUE(world_.Run().succeeded);
 
   EXPECT_EQ(document_.files.Row(3).source, "C:\\Kits\\MDAC_TYP.exe");
-  EXPECT_THAT(document_.extra_todo_lines, ElementsAre("First(1)", FullMdacEntry(), "Last(1)"));
+  EXPECT_THAT(document_.extra_todo_lines, ElementsAre("First(1)", kFullMdacEntry, "Last(1)"));
 }
 
 TEST_F(MinimalMdac, AStoredArchiveNameIsKept) {
@@ -309,11 +310,40 @@ TEST_F(MinimalMdac, AStoredArchiveNameIsKept) {
 
 TEST_F(MinimalMdac, AnEntryAddedByAnotherScanIsNotRunTwice) {
   document_.steps.minimal_mdac = true;
-  document_.extra_todo_lines = {MinimalMdacEntry(), FullMdacEntry()};
+  document_.extra_todo_lines = {kMinimalMdacEntry, kFullMdacEntry};
 
   EXPECT_TRUE(world_.Run().succeeded);
 
-  EXPECT_THAT(document_.extra_todo_lines, ElementsAre(MinimalMdacEntry()));
+  EXPECT_THAT(document_.extra_todo_lines, ElementsAre(kMinimalMdacEntry));
+}
+
+// Unticked in step 5, the option still held: every further installation ran the minimal installer.
+TEST_F(MinimalMdac, TheOptionCanBeTakenBack) {
+  world_.Add("C:\\Tavix\\SetupKit\\mdac_typ.exe", "full", "<TempDir>");
+  document_.steps.minimal_mdac = true;
+  ASSERT_TRUE(world_.Run().succeeded);
+  document_.steps.minimal_mdac = false;
+
+  EXPECT_TRUE(world_.Run().succeeded);
+
+  EXPECT_EQ(document_.files.Row(3).source, "<TavixMainDir>\\SetupKit\\mdac_typ.exe");
+  EXPECT_THAT(document_.extra_todo_lines, ElementsAre("First(1)", kFullMdacEntry, "Last(1)"));
+  const std::string script = world_.Output().at("DISK1\\SETUP.STP");
+  EXPECT_THAT(script, HasSubstr("InstallFile(mdac_typ.exe.zip|<TempDir>\\mdac_typ.exe|4|"));
+  EXPECT_THAT(script, Not(HasSubstr("Mdac_min")));
+}
+
+TEST_F(MinimalMdac, AnotherFileOfThatNameStaysWithoutTheOption) {
+  world_.Add("C:\\Kits\\Mdac_min.exe", "mine", "<TempDir>");
+  world_.Add("C:\\Tavix\\SetupKit\\Mdac_min.exe", "minimal", "<ProjectDir>");
+  const std::size_t last = document_.files.RowCount();
+  const std::vector<std::string> sources = {document_.files.Row(last - 1).source,
+                                            document_.files.Row(last).source};
+
+  EXPECT_TRUE(world_.Run().succeeded);
+
+  EXPECT_EQ(document_.files.Row(last - 1).source, sources[0]);
+  EXPECT_EQ(document_.files.Row(last).source, sources[1]);
 }
 
 TEST_F(MinimalMdac, AMissingMinimalInstallerIsMessage1709) {
@@ -324,6 +354,39 @@ TEST_F(MinimalMdac, AMissingMinimalInstallerIsMessage1709) {
 
   EXPECT_THAT(world_.messages.Ids(), ElementsAre(1709));
   EXPECT_TRUE(document_.files.Row(3).marked);
+}
+
+// --- Characters
+
+// The script comes last: the old disks were gone by then, and the new ones without it.
+TEST_F(CreateRun, ACharacterThatTheScriptCannotHoldIsSaidBeforeTheOldDisksGo) {
+  StepSettings& steps = document_.steps;
+  const StepSettings sound = steps;
+  const auto expect_refused = [this] {
+    world_.files.AddFile("C:\\Projects\\Demo\\Setup\\DISK1\\old.txt", "old");
+    world_.messages.shown.clear();
+
+    EXPECT_FALSE(world_.Run().succeeded);
+
+    EXPECT_THAT(world_.messages.Ids(), ElementsAre(904));
+    EXPECT_THAT(world_.messages.shown[0].prompt, HasSubstr("U+2192"));
+    EXPECT_TRUE(world_.files.Has("C:\\Projects\\Demo\\Setup\\DISK1\\old.txt"));
+  };
+  for (std::string* text :
+       {&steps.info.german[0], &steps.info.english[2], &steps.startmenu_folder.german,
+        &steps.startmenu_link.english, &steps.tavix_directory, &steps.project_directory}) {
+    *text += "\\A → B";
+    expect_refused();
+    steps = sound;
+  }
+  steps.user_directories = {{1, "D:\\→"}};
+  expect_refused();
+  steps = sound;
+  document_.extra_todo_lines = {"A(→)"};
+  expect_refused();
+  document_.extra_todo_lines.clear();
+  document_.files.Row(1).destination += "\\→";
+  expect_refused();
 }
 
 // --- Directories

@@ -90,6 +90,24 @@ TEST(DiskPlan, TheUnlimitedMediumTakesEverythingOnDisk1) {
   for (const ArchivePlacement& placement : plan.archives) EXPECT_TRUE(placement.whole);
 }
 
+// "No limit" is 2,147,483,647 bytes, no multiple of 1024: what needs more goes on to disk 2.
+TEST(DiskPlan, WithoutALimitMoreThanTwoGibibytesGoOnToTheNextDisk) {
+  constexpr std::uint64_t kGibi = 1024 * 1024 * kKibi;
+  for (const Sizes& sizes :
+       {Sizes{2 * kGibi - kKibi}, Sizes{2 * kGibi - 1}, Sizes{2 * kGibi}, Sizes{4 * kGibi + 1},
+        Sizes{kGibi, kGibi - 2 * kKibi, 1, 1}, Sizes{kGibi, kGibi - kKibi, 1}}) {
+    const DistributionPlan plan = PlanDistribution(sizes, kUnlimitedBytes, /*reserved_bytes=*/0);
+
+    const DistributionPlan expected = PlanChunkByChunk(sizes, kUnlimitedBytes, 0);
+    EXPECT_EQ(plan.disks_used, expected.disks_used) << sizes.back();
+    EXPECT_EQ(DiskTexts(plan), DiskTexts(expected)) << sizes.back();
+    for (std::size_t i = 0; i < sizes.size(); ++i) {
+      EXPECT_EQ(plan.archives[i].whole, expected.archives[i].whole) << sizes[i];
+      EXPECT_EQ(plan.archives[i].pieces, expected.archives[i].pieces) << sizes[i];
+    }
+  }
+}
+
 TEST(DiskPlan, AnArchiveThatNeedsJustTheFreeRoomStaysWholeAndFillsTheDisk) {
   const DistributionPlan plan = PlanDistribution({8 * kKibi, 1}, 10 * kKibi, 2 * kKibi);
 

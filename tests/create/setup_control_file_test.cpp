@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "create/create_world.h"
+#include "document/mdac.h"
 #include "environment/code_page.h"
 
 namespace txs {
@@ -270,7 +271,7 @@ TEST_F(SetupControlFile, EverythingAtOnce) {
   hidden.length_bytes = 1;
   hidden.compressed_name = "D2.exe.zip";
   hidden.disk = "|3";
-  world_.application.document.extra_todo_lines = {MinimalMdacEntry(), "Single(1)"};
+  world_.application.document.extra_todo_lines = {kMinimalMdacEntry, "Single(1)"};
 
   ExpectedScript expected;
   expected.params = R"([Params]
@@ -414,7 +415,7 @@ TEST_F(SetupControlFile, ARuntimeSetupIsRegisteredLikeEveryRow) {
 // --- Extra entries
 
 TEST_F(SetupControlFile, TheMinimalMdacEntryBecomesThreeLines) {
-  world_.application.document.extra_todo_lines = {MinimalMdacEntry()};
+  world_.application.document.extra_todo_lines = {kMinimalMdacEntry};
 
   ExpectedScript expected;
   expected.extra = R"(ExecFile(<TempDir>\Mdac_min.exe|0|/S)
@@ -425,7 +426,7 @@ SetVar(Reboot|1)
 }
 
 TEST_F(SetupControlFile, TheFullMdacEntryBecomesThreeLines) {
-  world_.application.document.extra_todo_lines = {FullMdacEntry()};
+  world_.application.document.extra_todo_lines = {kFullMdacEntry};
 
   ExpectedScript expected;
   expected.extra = R"script(ExecFile(<TempDir>\mdac_typ.exe|0|/q:a|/c:"setup.exe /qt")
@@ -440,6 +441,29 @@ TEST_F(SetupControlFile, EmptyPiecesOfAnEntryMakeNoBlankLines) {
 
   ExpectedScript expected;
   expected.extra = "A(1)\nB(2)\n";
+  EXPECT_EQ(Script(), expected.Text());
+}
+
+// A project "Leit@Werk" had its registry lines cut in two, and Create ended well.
+TEST_F(SetupControlFile, AnAtInAnArgumentJoinsNothing) {
+  for (const char* entry :
+       {"WriteRegistry(HKEY_LOCAL_MACHINE|Software\\Leit@Werk|Path|<ProjectDir>|1)",
+        "WriteRegistry(HKEY_LOCAL_MACHINE|Software\\A|Name|Waage (Halle)@COM1|1)",
+        "WriteRegistry(HKEY_LOCAL_MACHINE|Software\\A|B|@%SystemRoot%\\x.dll,-1|1)"}) {
+    world_.application.document.extra_todo_lines = {entry,
+                                                    std::string(entry) + "@SetVar(Reboot|1)"};
+
+    ExpectedScript expected;
+    expected.extra = std::string(entry) + "\n" + entry + "\nSetVar(Reboot|1)\n";
+    EXPECT_EQ(Script(), expected.Text());
+  }
+}
+
+TEST_F(SetupControlFile, CommandsWithoutArgumentsAreJoinedLikeEveryOther) {
+  world_.application.document.extra_todo_lines = {"CheckDiskSpace@A(1)@Exit", "Exit@EndIf"};
+
+  ExpectedScript expected;
+  expected.extra = "CheckDiskSpace\nA(1)\nExit\nExit\nEndIf\n";
   EXPECT_EQ(Script(), expected.Text());
 }
 

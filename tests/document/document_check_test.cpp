@@ -160,6 +160,37 @@ TEST_F(DocumentCheck, FindsAnEmptyUserDirectory) {
   ExpectMessage(1712);
 }
 
+// The script takes it for the end of what it belongs to, and Create ended well.
+TEST_F(DocumentCheck, FindsTheCharacterThatTheScriptSeparatesBy) {
+  StepSettings& steps = steps_;
+  steps.user_directories = {{1, "D:\\Messwerte"}};
+  for (std::string* text :
+       {&steps.startmenu_folder.german, &steps.startmenu_folder.english,
+        &steps.startmenu_link.german, &steps.startmenu_link.english, &steps.tavix_directory,
+        &steps.project_directory, &steps.user_directories[0].directory,
+        &document_.files.Row(1).destination, &document_.hidden_files.Row(1).destination}) {
+    world_.ForgetMessages();
+    const std::string before = *text;
+    *text += "C:\\a|b";
+
+    EXPECT_FALSE(Check());
+
+    ExpectMessage(1935);
+    EXPECT_THAT(world_.Prompts(), ElementsAre(HasSubstr("'" + *text + "'")));
+    *text = before;
+    EXPECT_TRUE(Check());
+  }
+}
+
+TEST_F(DocumentCheck, MarksTheRowWhoseDestinationHoldsTheSeparator) {
+  document_.files.Append("<ProjectDir>\\Demo.exe", "D:\\a|b", "0");
+
+  EXPECT_FALSE(Check(Step::kFiles));
+
+  EXPECT_FALSE(document_.files.Row(1).marked);
+  EXPECT_TRUE(document_.files.Row(2).marked);
+}
+
 // --- Files
 
 TEST_F(DocumentCheck, MarksEveryRowWhoseFileIsMissing) {

@@ -225,6 +225,24 @@ TEST_F(SettingsFile, GapInTheNumberingEndsTheList) {
   EXPECT_THAT(RowTexts(document_.files), ElementsAre("[a][b][1]"));
 }
 
+// A line deleted in an editor: the rows behind it were gone, and nobody was told.
+TEST_F(SettingsFile, EntriesBehindAGapAreSaid) {
+  Read(
+      "[ini]\r\n01=a.ini\r\n[file]\r\n01=a,b,1\r\n03=c,d,1\r\n04=e,f,1\r\nNote=x\r\n"
+      "[HiddenIni]\r\n02=b.ini\r\n");
+
+  EXPECT_EQ(world_.MessageIds(), (std::vector<long>{1936, 1936}));
+  EXPECT_THAT(world_.Prompts()[0], HasSubstr("[file] of the file 'C:\\Demo\\Demo.swz'"));
+  EXPECT_THAT(world_.Prompts()[0], HasSubstr("not read: 2."));
+  EXPECT_THAT(world_.Prompts()[1], HasSubstr("[HiddenIni]"));
+}
+
+TEST_F(SettingsFile, EmptyEntriesAtTheEndAndOtherKeysAreNoGap) {
+  Read("[file]\r\n01=a,b,1\r\n02=\r\n03=\r\nNote=x\r\n[ini]\r\n01=a.ini\r\n01=b.ini\r\n");
+
+  EXPECT_EQ(world_.MessageIds(), (std::vector<long>{}));
+}
+
 TEST_F(SettingsFile, EmptyValueEndsTheList) {
   Read("[file]\r\n01=a,b,1\r\n02=\r\n03=c,d,1\r\n");
 
@@ -628,6 +646,16 @@ TEST_F(SettingsFile, UserDirectoriesBecomePathVariablesBehindTheTemporaryDirecto
       ElementsAre(PathVariable{"<ProjectDir>", "C:\\Demo"}, PathVariable{"<WinDir>", "C:\\Windows"},
                   PathVariable{"<TempDir>", "C:\\Demo\\~TEMP"},
                   PathVariable{"<UserDir2>", "D:\\Zwei"}, PathVariable{"<UserDir10>", "D:\\Zehn"}));
+}
+
+// Every path begins with an empty value, so a Scan put "<UserDir3>" before whatever it found.
+TEST_F(SettingsFile, UserDirectoryWithoutADirectoryIsNoPathVariable) {
+  document_.steps.user_directories = {{1, "D:\\Rezepte"}, {3, ""}};
+
+  ExtendPathVariables(application_);
+
+  const PathVariableList& variables = document_.path_variables;
+  EXPECT_EQ(variables.back().name, "<UserDir1>");
 }
 
 TEST_F(SettingsFile, PathVariablesOfDeletedUserDirectoriesGo) {

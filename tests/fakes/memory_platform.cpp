@@ -73,6 +73,7 @@ void MemoryPlatform::InstallStudio() {
   files.AddFolder("C:\\TavixStudio\\Common");
   files.AddFolder("C:\\TavixStudio\\SetupKit");
   files.AddFile("C:\\TavixStudio\\SetupKit\\TXSTPKIT.INI", "[SetupFiles]\r\nCount=0\r\n");
+  files.AddFile("C:\\TavixStudio\\SetupKit\\TXDependencies.ini", "");
 }
 
 void MemoryPlatform::RegisterProject(std::string_view name, std::string_view directory,

@@ -430,7 +430,7 @@ bool SaysWhatIsMissing(const std::string& prompt) {
 // What has no number and words of the system, since the system only said that something is not
 // there, or in use.
 bool NeedsNoReason(const std::string& prompt) {
-  if (SaysWhatIsMissing(prompt) || IsMessage(prompt, {1709, 1711, 1713, 1930})) return true;
+  if (SaysWhatIsMissing(prompt) || IsMessage(prompt, {1709, 1711, 1713, 1930, 1937})) return true;
   // Of an archive that is no longer there when it was just made.
   static const std::regex kArchiveGone("^[^\\n]*'[^'\\\\]+\\.zip'!");
   return IsMessage(prompt, {902}) && std::regex_search(prompt, kArchiveGone);

@@ -5,6 +5,7 @@
 
 #include <set>
 
+#include "document/mdac.h"
 #include "scan/scan_world.h"
 
 namespace txs {
@@ -12,6 +13,7 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
@@ -495,7 +497,70 @@ TEST_F(ScanRun, NamesAMissingDesignerProject) {
 
   EXPECT_FALSE(world.Run().succeeded);
 
-  EXPECT_THAT(world.messages.Ids(), Contains(908));
+  ASSERT_THAT(world.messages.Ids(), ElementsAre(908));
+  EXPECT_THAT(
+      world.messages.shown[0].prompt,
+      HasSubstr("(52: C:\\Demo\\Demo.txs: Section Global has no value of DesignerProject)"));
+}
+
+// Drivers, script entries and the names never to be packaged come from it.
+TEST_F(ScanRun, SaysThatTheStudiosListOfDependenciesIsMissing) {
+  SetTheScene();
+  world.files.Vanish(kProductFile);
+
+  const ScanResult result = world.Run();
+
+  EXPECT_THAT(world.messages.Ids(), Contains(1937).Times(1));
+  EXPECT_THAT(world.messages.shown[0].prompt, HasSubstr(kProductFile));
+  EXPECT_THAT(result.missing,
+              Contains(MissingItem{"TXDependencies.ini", {"TXDependencies.ini"}}).Times(1));
+}
+
+TEST_F(ScanRun, SaysThatTheStudiosListOfDependenciesCannotBeRead) {
+  SetTheScene();
+  world.files.FailPath(kProductFile, "OpenForReading", ErrorNumber::kPermissionDenied);
+
+  const ScanResult result = world.Run();
+
+  EXPECT_THAT(world.messages.Ids(), Contains(1937).Times(1));
+  EXPECT_THAT(result.missing,
+              Contains(MissingItem{"TXDependencies.ini", {"TXDependencies.ini"}}).Times(1));
+}
+
+// The second stage asked about the designer '' of a project file that was not there.
+TEST_F(ScanRun, SaysOnceThatTheProjectFileIsMissing) {
+  SetTheScene();
+  world.files.Vanish("C:\\Demo\\Demo.txs");
+
+  const ScanResult result = world.Run();
+
+  EXPECT_THAT(world.messages.Ids(), Not(Contains(1713)));
+  EXPECT_THAT(result.missing, Contains(testing::Field(&MissingItem::name, "Demo.txs")));
+}
+
+TEST_F(ScanRun, SaysOnceThatTheProjectHasNoDirectory) {
+  world.application.project.directory.clear();
+
+  EXPECT_FALSE(world.Run().succeeded);
+
+  EXPECT_THAT(world.messages.Ids(), ElementsAre(908));
+}
+
+// Both installers were packaged and run.
+TEST_F(ScanRun, PutsTheFullMdacBackInThePlaceOfTheMinimalOne) {
+  SetTheScene();
+  world.files.AddFile("C:\\Tavix\\SetupKit\\Mdac_min.exe", "");
+  SetupDocument& document = world.application.document;
+  document.files.Append("<TavixMainDir>\\SetupKit\\Mdac_min.exe", "<TempDir>", "0");
+  document.extra_todo_lines = {kMinimalMdacEntry};
+
+  static_cast<void>(world.Run());
+
+  EXPECT_EQ(document.files.Row(1).source, "<TavixMainDir>\\SetupKit\\mdac_typ.exe");
+  EXPECT_THAT(world.Kinds(), Not(Contains("Mdac_min.exe 0")));
+  EXPECT_THAT(world.Kinds(), Contains("mdac_typ.exe 0").Times(1));
+  EXPECT_THAT(world.ToDo(), Contains(kFullMdacEntry).Times(1));
+  EXPECT_THAT(world.ToDo(), Not(Contains(kMinimalMdacEntry)));
 }
 
 TEST_F(ScanRun, OpensEachFileOnceAndListsEachFolderOnce) {

@@ -55,7 +55,7 @@ class ScanWorld {
     SetVbProject({"Type=Exe", "ExeName32=\"Demo.exe\""});
     files.AddFile("C:\\Demo\\Demo.exe", "program");
     files.AddFolder("C:\\Windows\\System32");
-    files.AddFolder("C:\\Tavix\\SetupKit");
+    SetProductFile({});
   }
 
   void BuildVariables() {
