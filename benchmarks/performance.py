@@ -186,6 +186,7 @@ class Bench:
                 rounds = self.rounds(count > 10_000)
                 ours = self.create(studio, rounds)
                 studio.clear()
+                bare = self.bare(studio, names, rounds)
                 peer = self.zip(studio, names, rounds)
                 seven = self.seven(studio, names, 1)
                 create_cpu.append((count, ours["cpu"]))
@@ -193,8 +194,11 @@ class Bench:
                 seven_cpu.append((count, seven["cpu"]))
                 peaks.append((count, ours["peak"]))
                 lines.append([f"{count:,}", *cells(ours), f"{ours['cpu'] / count * 1e6:.1f}",
-                              *cells(peer), *cells(seven)])
-        head = ["rows", *columns("Create"), "CPU µs per row", *columns("zip -5"), *columns("7z")]
+                              seconds(bare["compress"]), seconds(bare["disk"]),
+                              f"{ours['cpu'] / bare['compress']:.2f}", *cells(peer), *cells(seven)])
+        head = ["rows", *columns("Create"), "CPU µs per row", "compressor alone: CPU s",
+                "reading and writing alone: CPU s", "Create ÷ compressor", *columns("zip -5"),
+                *columns("7z")]
         text = table(head, lines) + "\n\n" + growth_line(
             "rows", [("Create: CPU", create_cpu), ("peak", peaks), ("zip: CPU", zip_cpu),
                      ("7z: CPU", seven_cpu)])
