@@ -15,7 +15,7 @@ std::vector<std::string> ReadExcludedFiles(Application& application) {
     return application.platform.tools.ReadNumberedList("Exclude", /*key_digits=*/1,
                                                        application.ProductDependencyFile());
   } catch (const RuntimeError&) {
-    // Without the list more files are packaged than need be, which harms no installation.
+    // Scan says that the list cannot be read.
     return {};
   }
 }
@@ -42,9 +42,12 @@ void LoadMainFormState(Application& application) {
   application.use_runtime_setup = ReadOption(tools, kUseRuntimeSetupValue, /*default_value=*/true);
   application.hide_mdac_hint = ReadOption(tools, kHideMdacHintValue, /*default_value=*/false);
 
-  SystemFileNames& names = application.document.system_files;
-  names.resolved.clear();
-  names.excluded = ReadExcludedFiles(application);
+  application.document.system_files.resolved.clear();
+  RefreshExcludedFiles(application);
+}
+
+void RefreshExcludedFiles(Application& application) {
+  application.document.system_files.excluded = ReadExcludedFiles(application);
 }
 
 void StoreUseRuntimeSetup(Application& application, bool use_runtime_setup) {

@@ -50,8 +50,12 @@ struct Application {
 
 // What loading the main form does to the state, with or without a window: reads the options of the
 // wizard's registry key, empties both system-file lists and reads section Exclude of the product
-// dependency file into the second. An unreadable dependency file counts as an empty one.
+// dependency file into the second. An unreadable dependency file counts as an empty one; Scan asks
+// for it again.
 void LoadMainFormState(Application& application);
+
+// Section Exclude as it is now, in the place of what was read before.
+void RefreshExcludedFiles(Application& application);
 
 // Keeps the option "Use pre-defined setup for runtime components": the number 1 or 0 in the
 // registry. Throws RuntimeError when the registry refuses.

@@ -117,6 +117,8 @@ ScanResult RunScan(Application& application, ScanView& view, SearchFileDialog& d
     result.succeeded =
         AtWorkBorder(application, kMessageScanning, application.project.StudioProjectFile(), [&] {
           if (!application.document.steps.minimal_mdac) UseFullMdac(application);
+          // Read at the start; what was away by then is here when the user scans again.
+          if (application.document.system_files.excluded.empty()) RefreshExcludedFiles(application);
           ScanSession session(application, view, dialog);
           const bool succeeded = RunStages(session);
           session.StoreUnfinished(/*is_complete=*/succeeded && !view.IsCancelPressed());

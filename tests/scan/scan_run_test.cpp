@@ -527,6 +527,19 @@ TEST_F(ScanRun, SaysThatTheStudiosListOfDependenciesCannotBeRead) {
               Contains(MissingItem{"TXDependencies.ini", {"TXDependencies.ini"}}).Times(1));
 }
 
+TEST_F(ScanRun, LeavesOutWhatTheStudiosListExcludesOnceItIsBack) {
+  SetTheScene();
+  world.files.Vanish(kProductFile);
+  LoadMainFormState(world.application);
+  world.application.use_runtime_setup = false;
+  world.SetProductFile({"[Exclude]", "1=need.dll"});
+
+  EXPECT_TRUE(world.Run().succeeded);
+
+  EXPECT_THAT(world.Kinds(), Not(Contains("need.dll 0")));
+  EXPECT_THAT(world.Kinds(), Contains("drv.exe 0"));
+}
+
 // The second stage asked about the designer '' of a project file that was not there.
 TEST_F(ScanRun, SaysOnceThatTheProjectFileIsMissing) {
   SetTheScene();
