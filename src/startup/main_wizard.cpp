@@ -5,7 +5,6 @@
 
 #include "create/create_view.h"
 #include "environment/platform.h"
-#include "startup/command_line.h"
 #include "startup/console_message_boxes.h"
 #include "startup/display_message_boxes.h"
 #include "startup/message_routing.h"
@@ -21,7 +20,7 @@ int RunProgram(const std::string& command_line, txs::MessageBoxes& boxes,
   const std::unique_ptr<txs::OwnedPlatform> owned = txs::MakeHostPlatform(boxes);
   txs::Platform& platform = owned->Get();
   platform.tools.Initialize(txs::ThisApplication());
-  txs::RoutedMessages messages(platform);
+  txs::RoutedMessages messages(platform, std::cerr, txs::SpareLogDirectory());
   txs::ModuleShell shell(module);
   txs::SilentCreateView view;
   return txs::RunStartRoutine(platform, messages, shell, view, command_line);
@@ -39,12 +38,6 @@ int main(int argc, char** argv) {
     command_line = txs::CommandLineText(argc, argv);
     return RunProgram(command_line, boxes, module);
   } catch (const std::exception& error) {
-    // The registry cannot be read, or memory ran out before there was anything to work on. In which
-    // language to say so is not known.
-    static_cast<void>(boxes.Show(error.what(), txs::kButtonsOk | txs::kIconCritical,
-                                 /*title=*/"", /*help_file=*/"", /*help_context=*/0));
-    // Nobody who builds unattended must take this for a success.
-    const txs::CommandLine line = txs::ParseCommandLine(command_line);
-    return line.kind == txs::CommandLine::Kind::kUnattended ? 1 : 0;
+    return txs::TellFailedStart(error.what(), boxes, console, command_line);
   }
 }

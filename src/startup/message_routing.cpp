@@ -8,6 +8,7 @@
 
 #include "environment/code_page.h"
 #include "environment/runtime_error.h"
+#include "environment/windows_path.h"
 #include "startup/console_message_boxes.h"
 
 namespace txs {
@@ -73,21 +74,37 @@ MessageResult RoutedMessages::Show(const Message& message) {
       return platform_.message_boxes.Show(message.prompt, message.buttons, message.title,
                                           message.help_file, message.help_context);
     }
-    Log(message.prompt);
+    Log(message.prompt, project_directory_ + std::string(kLogName));
   } catch (const std::exception& error) {
+    if (unattended_) LogElsewhere(message.prompt);
     last_resort_ << ToConsoleText(message.prompt) << '\n' << ToConsoleText(error.what()) << '\n';
     last_resort_.flush();
   }
   return MessageResult::kNone;
 }
 
-void RoutedMessages::Log(const std::string& prompt) {
+void RoutedMessages::LogElsewhere(const std::string& prompt) {
+  // With its backslash, the project directory itself is where the log could not be written.
+  if (!project_directory_.ends_with('\\') && LogIn(project_directory_, prompt)) return;
+  static_cast<void>(LogIn(spare_directory_, prompt));
+}
+
+bool RoutedMessages::LogIn(const std::string& directory, const std::string& prompt) {
+  if (directory.empty()) return false;
+  try {
+    Log(prompt, JoinPath(directory, kLogName));
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
+
+void RoutedMessages::Log(const std::string& prompt, const std::string& path) {
   const Clock& clock = platform_.clock;
   std::string entry = clock.ShortDateAndTime(clock.ToLocal(clock.Now()));
   entry.append(kLineEnd).append(prompt).append(kLineEnd).append(kLineEnd);
   const std::string bytes = ToLogBytes(entry);
-  const std::unique_ptr<OutputFile> log =
-      platform_.files.OpenForAppending(project_directory_ + std::string(kLogName));
+  const std::unique_ptr<OutputFile> log = platform_.files.OpenForAppending(path);
   log->Write(std::as_bytes(std::span(bytes)));
   log->Close();
 }

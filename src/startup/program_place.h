@@ -17,6 +17,10 @@ inline constexpr char kApplicationTitle[] = "TavixStudio - Setup Wizard";
 // What SystemTools is told about this program.
 [[nodiscard]] ApplicationInfo ThisApplication();
 
+// Where messages of an unattended run go that its log cannot take: the temporary folder of the user
+// on Windows, where the program has no console. Empty elsewhere, where standard error serves.
+[[nodiscard]] std::string SpareLogDirectory();
+
 // What stands behind the program's name on its command line, in UTF-8: on Windows, where that is
 // one text, as it was typed; elsewhere the arguments joined by blanks.
 [[nodiscard]] std::string CommandLineText(int argc, const char* const* argv);

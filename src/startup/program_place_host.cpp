@@ -28,6 +28,8 @@ ApplicationInfo ThisApplication() {
   return info;
 }
 
+std::string SpareLogDirectory() { return {}; }
+
 std::string CommandLineText(int argc, const char* const* argv) { return JoinArguments(argc, argv); }
 
 std::vector<std::string> CommandLineArguments(int argc, const char* const* argv) {

@@ -3,6 +3,7 @@
 #include <shellapi.h>
 
 #include <string>
+#include <system_error>
 
 #include "environment/windows_calls_win32.h"
 #include "startup/command_line.h"
@@ -34,6 +35,11 @@ ApplicationInfo ThisApplication() {
   info.executable_name = ToUtf8(ProgramFile().stem().native());
   info.title = kApplicationTitle;
   return info;
+}
+
+std::string SpareLogDirectory() {
+  std::error_code none;
+  return ToUtf8(std::filesystem::temp_directory_path(none).native());
 }
 
 std::string CommandLineText(int /*argc*/, const char* const* /*argv*/) {

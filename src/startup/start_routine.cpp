@@ -84,4 +84,13 @@ int RunStartRoutine(Platform& platform, RoutedMessages& messages, InteractiveShe
   return kExitNormal;
 }
 
+int TellFailedStart(const std::string& reason, MessageBoxes& boxes, MessageBoxes& console,
+                    std::string_view command_line) {
+  const bool unattended = ParseCommandLine(command_line).kind == CommandLine::Kind::kUnattended;
+  static_cast<void>((unattended ? console : boxes)
+                        .Show(reason, kButtonsOk | kIconCritical,
+                              /*title=*/"", /*help_file=*/"", /*help_context=*/0));
+  return unattended ? kExitCreateFailed : kExitNormal;
+}
+
 }  // namespace txs

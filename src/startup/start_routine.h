@@ -1,10 +1,12 @@
 // The start routine: decides from registry and command line which project is worked on, and how.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "create/create_view.h"
 #include "document/application.h"
+#include "environment/message_boxes.h"
 #include "startup/message_routing.h"
 #include "ui/interactive_shell.h"
 
@@ -16,5 +18,12 @@ namespace txs {
 [[nodiscard]] int RunStartRoutine(Platform& platform, RoutedMessages& messages,
                                   InteractiveShell& shell, CreateView& unattended_view,
                                   std::string_view command_line);
+
+// Says why there was nothing to run the start routine on: the registry cannot be read, or memory
+// ran out. In which language to say so is not known. An interactive start says it in a box; an
+// unattended one on `console` alone, since nobody would close the box. Returns the exit code: 1 for
+// an unattended run, which must not be taken for a success, else 0.
+[[nodiscard]] int TellFailedStart(const std::string& reason, MessageBoxes& boxes,
+                                  MessageBoxes& console, std::string_view command_line);
 
 }  // namespace txs

@@ -271,6 +271,14 @@ class Session(unittest.TestCase):
         self.assertIn("libstdc++", diary)
         self.assertNotRegex(diary, "libwx|libgtk|TXSetupWizardWindows")
 
+    def test_an_unattended_run_without_a_registry_waits_for_nobody(self):
+        self.lay()
+        (self.studio / "registry.reg").write_text("garbage")
+        wizard = self.start("/c=" + PROJECT)
+
+        self.assertEqual(wizard.wait_for_end(), 1)
+        self.assertIn("registry.reg", wizard.said())
+
 
 class Result(unittest.TextTestResult):
     def keep_picture(self):

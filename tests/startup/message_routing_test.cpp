@@ -1,5 +1,6 @@
 #include "startup/message_routing.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -8,6 +9,8 @@
 
 namespace txs {
 namespace {
+
+using ::testing::HasSubstr;
 
 Message MessageOf(const std::string& prompt) {
   Message message;
@@ -138,6 +141,40 @@ TEST_F(RoutedMessagesTest, FullDiskLosesNoMessageAndNoEarlierEntry) {
 
   EXPECT_EQ(last_resort.str().substr(0, 7), "prompt\n");
   EXPECT_EQ(world.files.Contents("C:\\P\\TXSetupWizard.log").substr(0, 9), "earlier\r\n");
+}
+
+// --- Where nobody sees the last resort, as in a program of Windows without a console
+
+// The root of a drive is closed to plain users, and a directory stored without its trailing
+// backslash there would put the log into it.
+TEST_F(RoutedMessagesTest, LogThatCannotStandBesideTheDirectoryStandsInIt) {
+  world.files.AddFolder("C:\\P");
+  world.files.FailPath("C:\\PTXSetupWizard.log", "OpenForAppending",
+                       ErrorNumber::kPermissionDenied);
+  messages.GoUnattended("C:\\P");
+
+  messages.ShowMessage(MessageOf("prompt"));
+
+  EXPECT_EQ(world.files.Contents("C:\\P\\TXSetupWizard.log"),
+            "21.11.2026 07:11:45\r\nprompt\r\n\r\n");
+  EXPECT_EQ(last_resort.str().substr(0, 7), "prompt\n");
+}
+
+TEST_F(RoutedMessagesTest, LogThatCannotBeWrittenStandsInTheSpareDirectory) {
+  world.files.AddFolder("C:\\Temp");
+  RoutedMessages with_spare(world.Get(), last_resort, "C:\\Temp");
+  for (const char* const directory : {"X:\\Gone\\", "X:\\Gone"}) {
+    with_spare.GoUnattended(directory);
+
+    with_spare.ShowMessage(MessageOf("prompt"));
+
+    EXPECT_EQ(world.files.Contents("C:\\Temp\\TXSetupWizard.log"),
+              "21.11.2026 07:11:45\r\nprompt\r\n\r\n")
+        << directory;
+    EXPECT_THAT(last_resort.str(), HasSubstr("prompt\n")) << directory;
+    world.files.Vanish("C:\\Temp\\TXSetupWizard.log");
+    last_resort.str("");
+  }
 }
 
 }  // namespace

@@ -12,6 +12,9 @@
 #include "fakes/demo_project.h"
 #include "fakes/memory_platform.h"
 #include "fakes/recording_create_view.h"
+#include "fakes/scripted_message_boxes.h"
+#include "fakes/scripted_windows.h"
+#include "startup/display_message_boxes.h"
 #include "startup/module_shell.h"
 
 namespace txs {
@@ -482,6 +485,29 @@ TEST_F(StartRoutineTest, SecondUnattendedRunOfAProjectSaysSoInTheLogAndEndsWithO
               HasSubstr("Im Projektverzeichnis 'C:\\Projects\\Demo\\' arbeitet gerade ein anderer "
                         "Setup-Assistent oder ein TXSetupTool!\r\nWarten Sie"));
   EXPECT_FALSE(world.files.Has("C:\\Projects\\Demo\\Setup"));
+}
+
+// --- A start that has nothing to run on
+
+struct FailedStart : ::testing::Test {
+  ScriptedMessageBoxes console;
+  ScriptedWindows windows;
+  DisplayMessageBoxes boxes{console, windows.module};
+};
+
+TEST_F(FailedStart, ShowsNoBoxInAnUnattendedRunAndIsNoSuccess) {
+  EXPECT_EQ(TellFailedStart("registry.reg", boxes, console, "/c=Demo"), 1);
+
+  EXPECT_EQ(windows.opened, 0);
+  ASSERT_EQ(console.shown.size(), 1u);
+  EXPECT_EQ(console.shown[0].prompt, "registry.reg");
+}
+
+TEST_F(FailedStart, ShowsABoxInAnInteractiveRun) {
+  EXPECT_EQ(TellFailedStart("registry.reg", boxes, console, "Demo"), 0);
+
+  ASSERT_EQ(windows.message_boxes.shown.size(), 1u);
+  EXPECT_EQ(windows.message_boxes.shown[0].prompt, "registry.reg");
 }
 
 }  // namespace
