@@ -10,11 +10,13 @@
 
 #include "create/create_run.h"
 #include "document/settings_file.h"
+#include "environment/installation.h"
 #include "environment/project_type.h"
 #include "environment/windows_path.h"
 #include "projects/project_registry.h"
 #include "scan/scan_run.h"
 #include "startup/application_start.h"
+#include "text/text_service.h"
 #include "tool/project_argument.h"
 #include "tool/tool_messages.h"
 #include "tool/verify_installation.h"
@@ -39,6 +41,19 @@ void PrintJson(ToolContext& context, const Json& json) {
   // A name on the host may be no UTF-8 at all.
   context.out << json.dump(kIndent, ' ', /*ensure_ascii=*/false, Json::error_handler_t::replace)
               << '\n';
+}
+
+Json ToJson(const std::vector<Message>& messages) {
+  Json list = Json::array();
+  for (const Message& message : messages) {
+    list.push_back({{"id", message.id}, {"text", message.prompt}});
+  }
+  return list;
+}
+
+// What a command prints that came to no result.
+void PrintFailureJson(ToolContext& context, Json messages) {
+  PrintJson(context, {{"result", false}, {"messages", std::move(messages)}});
 }
 
 // For one line of a terminal or log: names on the host may hold line breaks and worse.
@@ -89,7 +104,18 @@ void PrintTable(std::ostream& out, const std::vector<std::array<std::string, 4>>
 }
 
 int ListProjects(ToolContext& context, const Options& options) {
-  const std::vector<RegisteredProject> projects = ListRegisteredProjects(context.platform());
+  Platform& platform = context.platform();
+  const EnvironmentCheck check = CheckEnvironment(platform.tools, platform.files);
+  if (check.fault) {
+    // Without the studio an empty list would only look like the truth.
+    ProgressLine line(context.err, context.err_is_terminal);
+    ToolMessages messages(context.err, line);
+    messages.ShowMessage(TextService(check.settings.language_id)
+                             .ComposeForStart(check.fault->message_id, {check.fault->parameter}));
+    if (options.json) PrintFailureJson(context, ToJson(messages.Shown()));
+    return kToolFailed;
+  }
+  const std::vector<RegisteredProject> projects = ListRegisteredProjects(platform);
   if (options.json) {
     Json list = Json::array();
     for (const RegisteredProject& project : projects) {
@@ -125,20 +151,23 @@ struct LoadedProject {
     application->unattended = true;
     const ProjectArgument project = ReadProjectArgument(platform, argument, context.windows_path);
     SelectProject(*application, project.name, project.directory);
-    usable = IsThere(platform) && LoadSelectedProject(*application);
+    if (IsThere(platform)) {
+      usable = LoadSelectedProject(*application);
+    } else {
+      // A mistyped name deserves a better word than that its program was never built. A path that
+      // ends in a separator names no project at all.
+      messages.ShowMessage(application->texts.Compose(
+          kMessageCannotEdit, {project.name.empty() ? argument : project.name}));
+    }
   }
 
-  // A mistyped name deserves a better word than that its program was never built.
-  bool IsThere(Platform& platform) {
+  [[nodiscard]] bool IsThere(const Platform& platform) const {
     const CurrentProject& project = application->project;
     const std::string group_file = project.directory + "\\" + project.name + ".vbg";
-    if (!project.directory.empty() && (platform.files.FileExists(project.SettingsFile()) ||
-                                       platform.files.FileExists(project.StudioProjectFile()) ||
-                                       platform.files.FileExists(group_file))) {
-      return true;
-    }
-    messages.ShowMessage(application->texts.Compose(kMessageCannotEdit, {project.name}));
-    return false;
+    return !project.name.empty() && !project.directory.empty() &&
+           (platform.files.FileExists(project.SettingsFile()) ||
+            platform.files.FileExists(project.StudioProjectFile()) ||
+            platform.files.FileExists(group_file));
   }
 
   ProgressLine line;
@@ -146,14 +175,6 @@ struct LoadedProject {
   std::unique_ptr<Application> application;
   bool usable = false;  // else a message was shown
 };
-
-Json ToJson(const std::vector<Message>& messages) {
-  Json list = Json::array();
-  for (const Message& message : messages) {
-    list.push_back({{"id", message.id}, {"text", message.prompt}});
-  }
-  return list;
-}
 
 Json ToJson(const std::vector<MissingItem>& missing) {
   Json list = Json::array();
@@ -278,7 +299,10 @@ int PlanDisks(ToolContext& context, const Options& options) {
     ProgressLineView view(project.line, project.application->texts);
     plan = PlanCreate(*project.application, view);
   }
-  if (!plan) return kToolFailed;
+  if (!plan) {
+    if (options.json) PrintFailureJson(context, ToJson(project.messages.Shown()));
+    return kToolFailed;
+  }
   if (options.json) {
     Json files = Json::array();
     for (const CreatePlan::File& file : plan->files) {
@@ -332,6 +356,7 @@ int Parse(const std::vector<std::string>& arguments, ToolContext& context) {
   app.footer(
       "PROJECT is a registered name or [ProjectPath\\]ProjectName[.txs|.swz].\n"
       "Results go to standard output, messages to standard error.\n"
+      "On Linux the folder that TAVIX_ROOT names stands for the studio's computer.\n"
       "Exit codes: 0 done, 1 failed, 2 wrong usage, 3 something is missing (scan,\n"
       "create --scan: the installation was built without it), 4 does not fit (plan), 5 damaged\n"
       "(verify).");
@@ -343,7 +368,10 @@ int Parse(const std::vector<std::string>& arguments, ToolContext& context) {
                        const char* subject_description, Command command) {
     CLI::App* const sub = app.add_subcommand(name, description);
     if (subject != nullptr)
-      sub->add_option(subject, options.subject, subject_description)->required();
+      sub->add_option(subject, options.subject, subject_description)
+          ->required()
+          ->check(CLI::Validator(
+              [](const std::string& text) { return text.empty() ? "It is empty" : ""; }, ""));
     sub->add_flag("--json", options.json, "Print the result as one JSON object");
     commands.emplace_back(sub, command);
     return sub;
@@ -386,6 +414,13 @@ int Parse(const std::vector<std::string>& arguments, ToolContext& context) {
 
 int RunTool(const std::vector<std::string>& arguments, ToolContext& context) {
   int code = kToolFailed;
+  const auto fail = [&](const std::string& reason) {
+    context.err << "TXSetupTool: " << reason << '\n';
+    // No message of the string table, so it has no number.
+    if (std::ranges::find(arguments, "--json") == arguments.end()) return;
+    PrintFailureJson(context, Json::array({{{"id", 0}, {"text", reason}}}));
+    context.out.flush();
+  };
   try {
     code = Parse(arguments, context);
     context.out.flush();
@@ -394,10 +429,9 @@ int RunTool(const std::vector<std::string>& arguments, ToolContext& context) {
       if (code == kToolDone) code = kToolFailed;
     }
   } catch (const RuntimeError& error) {
-    context.err << "TXSetupTool: " << error.Description() << " ("
-                << static_cast<int>(error.Number()) << ")\n";
+    fail(error.Description() + " (" + std::to_string(static_cast<int>(error.Number())) + ")");
   } catch (const std::exception& error) {
-    context.err << "TXSetupTool: " << error.what() << '\n';
+    fail(error.what());
   }
   context.err.flush();
   return code;

@@ -57,7 +57,7 @@ struct CommandsTest : ::testing::Test {
 TEST_F(CommandsTest, HelpAndVersionNeedNoComputer) {
   EXPECT_EQ(Run({"--help"}), 0);
   EXPECT_EQ(Run({"create", "--help"}), 0);
-  EXPECT_THAT(out.str(), HasSubstr("verify"));
+  EXPECT_THAT(out.str(), AllOf(HasSubstr("verify"), HasSubstr("TAVIX_ROOT")));
   out.str("");
   EXPECT_EQ(Run({"--version"}), 0);
 
@@ -84,6 +84,7 @@ INSTANTIATE_TEST_SUITE_P(Lines, WrongUsage,
                                            std::vector<std::string>{"create"},
                                            std::vector<std::string>{"create", "Demo", "Other"},
                                            std::vector<std::string>{"create", "Demo", "--save"},
+                                           std::vector<std::string>{"scan", ""},
                                            std::vector<std::string>{"plan"},
                                            std::vector<std::string>{"verify"},
                                            std::vector<std::string>{"projects", "Demo"},
@@ -100,6 +101,24 @@ TEST_F(CommandsTest, ComputerThatCannotBeReadEndsWithItsReason) {
     EXPECT_THAT(err.str(), HasSubstr("registry.reg (75)"));
   }
   EXPECT_EQ(out.str(), "");
+}
+
+TEST_F(CommandsTest, WhatCannotBeDoneIsOneJsonObjectToo) {
+  platform_fails = true;
+
+  EXPECT_EQ(Run({"projects", "--json"}), 1);
+
+  EXPECT_EQ(out.str(),
+            "{\n"
+            "  \"result\": false,\n"
+            "  \"messages\": [\n"
+            "    {\n"
+            "      \"id\": 0,\n"
+            "      \"text\": \"registry.reg (75)\"\n"
+            "    }\n"
+            "  ]\n"
+            "}\n");
+  EXPECT_EQ(err.str(), "TXSetupTool: registry.reg (75)\n");
 }
 
 TEST_F(CommandsTest, ResultThatCannotBeWrittenIsAFailure) {
@@ -149,6 +168,21 @@ TEST_F(CommandsTest, ProjectsAsJson) {
             "    }\n"
             "  ]\n"
             "}\n");
+}
+
+TEST_F(CommandsTest, ProjectsOfAStudioThatIsNotThereAreNoEmptyList) {
+  world.registry.RemoveKey(Hive::kLocalMachine, kVendorKey);
+
+  EXPECT_EQ(Run({"projects"}), 1);
+  EXPECT_EQ(out.str(), "");
+  EXPECT_THAT(err.str(), StartsWith("message 91: "));
+
+  EXPECT_EQ(Run({"projects", "--json"}), 1);
+  EXPECT_THAT(out.str(), StartsWith("{\n"
+                                    "  \"result\": false,\n"
+                                    "  \"messages\": [\n"
+                                    "    {\n"
+                                    "      \"id\": 91,\n"));
 }
 
 TEST_F(CommandsTest, NoProjectsAreAnEmptyList) {
@@ -224,6 +258,16 @@ TEST_F(CommandsTest, UnknownProjectIsMessage901) {
   }
   EXPECT_EQ(Run({"plan", "Other"}), 1);
   EXPECT_EQ(out.str(), "");
+}
+
+TEST_F(CommandsTest, PathThatEndsInASeparatorIsNamedAsItWasGiven) {
+  for (const char* path : {"C:\\Projects\\Demo\\", "./Setup/"}) {
+    err.str("");
+    EXPECT_EQ(Run({"create", path}), 1);
+    EXPECT_THAT(err.str(),
+                StartsWith(std::string("message 901: It is not possible to edit the project '") +
+                           path + "'!\n"));
+  }
 }
 
 TEST_F(CommandsTest, RegisteredProjectInAnotherDirectoryIsNotTakenForIt) {
@@ -303,10 +347,22 @@ TEST_F(CommandsTest, KitThatExceedsTheMediumDoesNotFit) {
 TEST_F(CommandsTest, FailedPlanPrintsNoResult) {
   world.files.Vanish("C:\\Projects\\Demo\\Trend.ocx");
 
-  EXPECT_EQ(Run({"plan", "Demo", "--json"}), 1);
+  EXPECT_EQ(Run({"plan", "Demo"}), 1);
 
   EXPECT_EQ(out.str(), "");
   EXPECT_THAT(err.str(), StartsWith("message 1709: "));
+}
+
+TEST_F(CommandsTest, FailedPlanAsJsonHoldsItsMessages) {
+  world.files.Vanish("C:\\Projects\\Demo\\Trend.ocx");
+
+  EXPECT_EQ(Run({"plan", "Demo", "--json"}), 1);
+
+  EXPECT_THAT(out.str(), StartsWith("{\n"
+                                    "  \"result\": false,\n"
+                                    "  \"messages\": [\n"
+                                    "    {\n"
+                                    "      \"id\": 1709,\n"));
 }
 
 // --- verify
@@ -371,6 +427,17 @@ TEST_F(CommandsTest, VerifyOfADirectoryThatDoesNotExistFails) {
 
   EXPECT_EQ(out.str(), "");
   EXPECT_THAT(err.str(), HasSubstr("(76)"));
+}
+
+TEST_F(CommandsTest, VerifyOfADirectoryThatDoesNotExistFailsAsJsonToo) {
+  EXPECT_EQ(Run({"verify", "C:\\Nowhere", "--json"}), 1);
+
+  EXPECT_THAT(out.str(), StartsWith("{\n"
+                                    "  \"result\": false,\n"
+                                    "  \"messages\": [\n"
+                                    "    {\n"
+                                    "      \"id\": 0,\n"
+                                    "      \"text\": \"C:\\\\Nowhere"));
 }
 
 // --- scan
