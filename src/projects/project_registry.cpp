@@ -73,10 +73,14 @@ std::vector<RegisteredProject> ListRegisteredProjects(Platform& platform) {
 void FillRegisteredProjects(Platform& platform, long type_mask, ProjectListModel& list) {
   list.rows.clear();
   list.selected = -1;
+  list.unreachable = 0;
   std::unordered_set<std::string> keys;
   for (RegisteredProject& project : ListRegisteredProjects(platform)) {
     if (!project.exists) {
-      if (!HasGone(platform, project)) continue;
+      if (!HasGone(platform, project)) {
+        if ((project.type & type_mask) != 0) ++list.unreachable;
+        continue;
+      }
       try {
         platform.tools.RemoveRegistryKey(Hive::kLocalMachine, KeyOf(project.name));
       } catch (const RuntimeError&) {

@@ -1,6 +1,7 @@
 // The studio's list of projects in the registry.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,14 +38,16 @@ struct ProjectRow {
 struct ProjectListModel {
   std::vector<ProjectRow> rows;
   int selected = -1;  // index of the selected row, -1 for none
+  // Registrations that are left out because nobody knows now whether their project file is there.
+  std::size_t unreachable = 0;
 };
 
 // `FillRegisteredProjects`: replaces the rows by the registered projects whose type has a bit in
 // common with `type_mask`. Kept on purpose: a registration whose project file has gone is deleted
 // from the registry as a side effect; one on a drive, share or link's target that is away, or in a
-// folder that is closed to this user, is only left out. A second name that differs only in case is
-// left out, since its key is taken. Afterwards no row is selected. A registration that cannot be
-// deleted stays and is passed over.
+// folder that is closed to this user, is only left out and counted as unreachable. A second name
+// that differs only in case is left out, since its key is taken. Afterwards no row is selected. A
+// registration that cannot be deleted stays and is passed over.
 void FillRegisteredProjects(Platform& platform, long type_mask, ProjectListModel& list);
 
 // The state of the Open-Project dialog: which name it would return. The form only forwards events.

@@ -15,6 +15,7 @@ namespace {
 
 constexpr char kFormName[] = "FProjectOpen";
 constexpr long kAllTypes = -1;
+constexpr long kUnreachableText = 1941;
 constexpr long kNoProjectText = 1945;
 constexpr int kMinListWidthDip = 440;
 constexpr int kMaxListWidthDip = 900;
@@ -30,6 +31,7 @@ FProjectOpen::FProjectOpen(wxWindow* parent, Application& application, HelpViewe
   FillList();
   auto* const content = new wxBoxSizer(wxVERTICAL);
   content->Add(list_, wxSizerFlags(1).Expand());
+  content->Add(away_, wxSizerFlags().Expand().Border(wxTOP));
   auto* const buttons = new wxStdDialogButtonSizer;
   buttons->AddButton(open_);
   buttons->AddButton(cancel_);
@@ -69,6 +71,8 @@ void FProjectOpen::MakeControls() {
     hint_->CentreOnParent();
   });
   captions.Add(*hint_, kNoProjectText);
+  away_ = new wxStaticText(this, wxID_ANY, wxEmptyString);
+  away_->SetName("lblUnreachable");
   open_ = &AddDialogButton(*this, captions, wxID_OK, "cmdOpen", 13);
   cancel_ = &AddDialogButton(*this, captions, wxID_CANCEL, "cmdCancel", 11);
   LoadCaptions(captions, application_.texts);
@@ -82,7 +86,10 @@ void FProjectOpen::FillList() {
     list_->SetItem(at, 1, ToWx(row.directory));
     list_->SetItem(at, 2, ToWx(row.type));
   }
-  hint_->Show(projects_.rows.empty());
+  const std::size_t away = projects_.unreachable;
+  hint_->Show(projects_.rows.empty() && away == 0);
+  away_->SetLabel(ToWxLines(application_.texts.GetText(kUnreachableText, {std::to_string(away)})));
+  away_->Show(away > 0);
   open_->Enable(choice_.OpenEnabled());
 
   const int width =

@@ -37,6 +37,7 @@ class FProjectOpen : public wxDialog {
   ProjectChoice choice_;
   wxListView* list_ = nullptr;    // lvwRegisteredProjects
   wxStaticText* hint_ = nullptr;  // lblNoProjects, in the empty list
+  wxStaticText* away_ = nullptr;  // lblUnreachable, below the list
   wxButton* open_ = nullptr;      // cmdOpen
   wxButton* cancel_ = nullptr;    // cmdCancel
 };

@@ -12,9 +12,9 @@
 namespace txs {
 
 inline bool IsMessage(long id) {
-  constexpr std::array kOwnCaptions = {1912L, 1914L, 1920L, 1921L, 1922L, 1923L,
-                                       1924L, 1926L, 1940L, 1945L, 1946L, 1960L,
-                                       1961L, 1962L, 1963L, 1964L, 1978L, 1979L};
+  constexpr std::array kOwnCaptions = {1912L, 1914L, 1920L, 1921L, 1922L, 1923L, 1924L,
+                                       1926L, 1940L, 1941L, 1945L, 1946L, 1960L, 1961L,
+                                       1962L, 1963L, 1964L, 1978L, 1979L};
   if (std::ranges::find(kOwnCaptions, id) != kOwnCaptions.end()) return false;
   return (id >= 91 && id <= 94) || (id >= 901 && id <= 999) || (id >= 1701 && id <= 1799) ||
          (id >= 1900 && id <= 1999);

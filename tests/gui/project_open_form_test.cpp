@@ -94,6 +94,47 @@ TEST_P(FProjectOpenInBothLanguages, SaysInTheEmptyListThatNoProjectIsRegistered)
   TakePicture(form, german ? "project_open_empty_de" : "project_open_empty_en");
 }
 
+// Drive F is away. Whoever reads that no project is registered creates them all anew.
+void RegisterProjectsOutOfReach(GuiWorld& world) {
+  for (const char* const name : {"Klärwerk", "Netz"}) {
+    const std::string key = std::string(kProjectsKey) + "\\" + name;
+    world.platform.registry.Write(Hive::kLocalMachine, key, "Path", std::string("F:\\") + name);
+    world.platform.registry.Write(Hive::kLocalMachine, key, "ProjectType", "Single");
+  }
+}
+
+TEST_P(FProjectOpenInBothLanguages, SaysBelowTheEmptyListThatAllProjectsAreOutOfReach) {
+  GuiWorld world(GetParam());
+  RegisterProjectsOutOfReach(world);
+  const bool german = GetParam() == 1031;
+
+  FProjectOpen form(nullptr, world.application);
+  ShowAndActivate(form);
+
+  EXPECT_FALSE(FindControl(form, "lblNoProjects")->IsShown());
+  const wxWindow& away = *FindControl(form, "lblUnreachable");
+  EXPECT_TRUE(away.IsShownOnScreen());
+  EXPECT_EQ(away.GetLabel().BeforeFirst('\n').utf8_string(),
+            german ? "Registrierte Projekte, die gerade nicht erreichbar sind: 2"
+                   : "Registered projects that are out of reach now: 2");
+  EXPECT_TRUE(WaitFor([&] { return ClippedControls(form).empty(); })) << ClippedControls(form);
+  TakePicture(form, german ? "project_open_away_de" : "project_open_away_en");
+}
+
+TEST_P(FProjectOpenInBothLanguages, SaysBelowItsRowsThatOthersAreOutOfReach) {
+  StudioWithProjects world(GetParam());
+  RegisterProjectsOutOfReach(world);
+  const bool german = GetParam() == 1031;
+
+  FProjectOpen form(nullptr, world.application);
+  ShowAndActivate(form);
+
+  EXPECT_EQ(List(form).GetItemCount(), 3);
+  EXPECT_TRUE(FindControl(form, "lblUnreachable")->IsShownOnScreen());
+  EXPECT_TRUE(WaitFor([&] { return ClippedControls(form).empty(); })) << ClippedControls(form);
+  TakePicture(form, german ? "project_open_some_away_de" : "project_open_some_away_en");
+}
+
 INSTANTIATE_TEST_SUITE_P(Languages, FProjectOpenInBothLanguages, testing::Values(1031L, 1033L),
                          [](const auto& test) {
                            return test.param == 1031 ? "German" : "English";
@@ -111,6 +152,7 @@ TEST(FProjectOpen, ListsProjectsWithDirectoryAndTypeInTheOrderOfTheRegistry) {
   EXPECT_EQ(List(form).GetItemText(1, 2), "Server");
   EXPECT_EQ(List(form).GetItemText(2, 2), "Group");
   EXPECT_FALSE(FindControl(form, "lblNoProjects")->IsShown());
+  EXPECT_FALSE(FindControl(form, "lblUnreachable")->IsShown());
 }
 
 TEST(FProjectOpen, RemovesARegistrationWhoseProjectFileHasGone) {

@@ -118,6 +118,25 @@ TEST_F(ProjectRegistry, KeepsARegistrationWhoseDriveOrShareIsAway) {
   EXPECT_THAT(Registered(), UnorderedElementsAre("here", "share", "stick"));
 }
 
+// An empty list would tell the user to create all projects anew.
+TEST_F(ProjectRegistry, CountsTheProjectsOfTheMaskThatAreOutOfReach) {
+  for (const auto& [name, type] :
+       {std::pair("a", "Server"), std::pair("b", "Server"), std::pair("c", "Client")}) {
+    const std::string key = std::string(kProjectsKey) + "\\" + name;
+    memory_.registry.Write(Hive::kLocalMachine, key, "Path", std::string("F:\\") + name);
+    memory_.registry.Write(Hive::kLocalMachine, key, "ProjectType", std::string(type));
+  }
+  memory_.RegisterProject("gone", "C:\\gone", "Server");
+  memory_.files.Vanish("C:\\gone");
+  ProjectListModel list;
+
+  FillRegisteredProjects(memory_.Get(), kProjectTypeServer, list);
+  FillRegisteredProjects(memory_.Get(), kProjectTypeServer, list);
+
+  EXPECT_THAT(list.rows, IsEmpty());
+  EXPECT_EQ(list.unreachable, 2u);
+}
+
 // The file is there, but the system says to everybody else that it is not.
 TEST_F(ProjectRegistry, KeepsARegistrationInAFolderThatIsClosedToThisUser) {
   memory_.registry.Write(Hive::kLocalMachine, std::string(kProjectsKey) + "\\Demo", "Path",
