@@ -292,7 +292,10 @@ void VisualBasicProjectReader::AddLibrary(Project& project, const Library& libra
 void VisualBasicProjectReader::ReportUnresolved(const std::string& guid, const std::string& name) {
   if (!unresolved_.insert(FoldCase(name)).second) return;
   Application& application = session_.App();
-  ShowWarning(application, kMessageTypeLibraryMissing, {guid});
+  // Two versions of one library are two names and one GUID, which is all that the box shows.
+  if (unresolved_guids_.insert(FoldCase(guid)).second) {
+    ShowWarning(application, kMessageTypeLibraryMissing, {guid});
+  }
   std::vector<std::string> chain = session_.chain_root;
   chain.push_back(name);
   session_.RecordMissing(name, std::move(chain));

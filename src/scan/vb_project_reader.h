@@ -65,6 +65,7 @@ class VisualBasicProjectReader {
   DependencyResolver& resolver_;
   std::unordered_set<std::string> members_;     // folded full paths of the group's projects
   std::unordered_set<std::string> unresolved_;  // folded, said once
+  std::unordered_set<std::string> unresolved_guids_;
 };
 
 }  // namespace txs

@@ -338,6 +338,18 @@ TEST_F(VisualBasicReader, NamesATypeLibraryThatIsNotRegisteredAndGoesOn) {
   EXPECT_THAT(Missing(), ElementsAre(MissingItem{name, {"Demo.vbp", name}}));
 }
 
+// The box shows the GUID only; the list of missing files tells one version from the other.
+TEST_F(VisualBasicReader, ShowsNoBoxTwiceForALibraryThatTwoLinesNameDifferently) {
+  EXPECT_TRUE(ReadLine(Reference(kGuid1, "#2.0#0#C:\\a.tlb#Library") +
+                       "\r\nObject=" + std::string(kGuid1) + "#3.0#0; lost.ocx"));
+
+  EXPECT_THAT(world.messages.Ids(), ElementsAre(914));
+  const std::vector<MissingItem> missing = Missing();
+  ASSERT_EQ(missing.size(), 2u);
+  EXPECT_EQ(missing[0].name, std::string(kGuid1) + " 2.0 (Library)");
+  EXPECT_EQ(missing[1].name, std::string(kGuid1) + " 3.0 (lost.ocx)");
+}
+
 TEST_F(VisualBasicReader, NamesAnObjectThatIsNotRegistered) {
   EXPECT_TRUE(ReadLine("Object=" + std::string(kGuid1) + "#6.10#0; lost.ocx"));
 
