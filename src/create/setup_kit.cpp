@@ -33,14 +33,19 @@ bool ReadList(Application& application, std::vector<std::string>& names) {
   });
 }
 
-// Bytes of one kit file. Throws RuntimeError when it is missing.
-std::uint64_t KitFileLength(const Application& application, const std::string& name) {
-  if (name.empty()) {
-    throw RuntimeError(ErrorNumber::kBadFileName,
-                       std::string(kListName) + ": " + Words(Reason::kKeyIsMissing, {kSection}));
+// Bytes of file `index` of the kit, which `subject` then names: by its key when the list has no
+// name for it. Throws RuntimeError when it is missing.
+std::uint64_t KitFileLength(const Application& application, const std::vector<std::string>& names,
+                            std::size_t index, std::string& subject) {
+  subject = names[index];
+  if (subject.empty()) {
+    subject = std::to_string(index + 1);
+    throw RuntimeError(
+        ErrorNumber::kBadFileName,
+        std::string(kListName) + ": " + Words(Reason::kKeyIsMissing, {kSection, subject}));
   }
   return application.platform.files.Length(
-      JoinPath(application.installation.SetupKitDirectory(), name));
+      JoinPath(application.installation.SetupKitDirectory(), subject));
 }
 
 bool CopyFiles(Application& application, CreateView& view, const std::vector<std::string>& names,
@@ -53,9 +58,8 @@ bool CopyFiles(Application& application, CreateView& view, const std::vector<std
     std::vector<std::uint64_t> lengths;
     lengths.reserve(names.size());
     std::uint64_t total_bytes = 0;
-    for (const std::string& name : names) {
-      subject = name;
-      lengths.push_back(KitFileLength(application, name));
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      lengths.push_back(KitFileLength(application, names, i, subject));
       total_bytes += lengths.back();
     }
     std::uint64_t done_bytes = 0;
@@ -138,9 +142,8 @@ std::optional<SetupKitRoom> MeasureSetupKit(Application& application, std::uint6
   SetupKitRoom room;
   std::string subject;
   const bool measured = AtWorkBorder(application, kMessageCopying, subject, [&] {
-    for (const std::string& name : names) {
-      subject = name;
-      room.bytes += RoundUpTo1024(KitFileLength(application, name));
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      room.bytes += RoundUpTo1024(KitFileLength(application, names, i, subject));
     }
     room.bytes += kScriptPlaceholderBytes;
     return true;

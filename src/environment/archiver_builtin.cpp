@@ -26,6 +26,7 @@
 #include "environment/deflate_blocks.h"
 #include "environment/runtime_error.h"
 #include "environment/windows_path.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
@@ -312,7 +313,10 @@ class BuiltInArchiver : public Archiver {
   ArchiveResult Compress(std::string_view archive_path, std::string_view source_path) override {
     reason_.clear();
     // Writing over the source would lose it, and so would the tidying after a failure.
-    if (EqualNoCase(archive_path, source_path)) return ArchiveResult::kArchiveNotCreated;
+    if (EqualNoCase(archive_path, source_path)) {
+      Explain(Reason::kOntoItself, source_path);
+      return ArchiveResult::kArchiveNotCreated;
+    }
     ArchiveResult result = ArchiveResult::kSuccess;
     try {
       CompressOrThrow(archive_path, source_path);
@@ -331,6 +335,10 @@ class BuiltInArchiver : public Archiver {
     }
     input_.Trim();
     output_.Trim();
+    if (reason_.empty()) {
+      if (result == ArchiveResult::kSourceChanged) Explain(Reason::kChangedDuringRun, source_path);
+      if (result == ArchiveResult::kOutOfMemory) Explain(Reason::kOutOfMemory, source_path);
+    }
     if (result != ArchiveResult::kSuccess) RemoveLeftover(archive_path);
     return result;
   }
@@ -338,6 +346,15 @@ class BuiltInArchiver : public Archiver {
   [[nodiscard]] std::string FailureReason() const override { return reason_; }
 
  private:
+  // What the system has no words for.
+  void Explain(Reason reason, std::string_view path) {
+    try {
+      reason_ = std::string(path) + ": " + Words(reason);
+    } catch (const std::bad_alloc&) {
+      reason_.clear();
+    }
+  }
+
   // Neither half an archive nor an older one of that name must be taken for this one.
   void RemoveLeftover(std::string_view archive_path) {
     try {

@@ -14,12 +14,15 @@
 #include "environment/runtime_error.h"
 #include "environment/windows_calls_win32.h"
 #include "environment/windows_path.h"
+#include "strings/reason.h"
 
 namespace txs {
 namespace {
 
-// A 32-bit library from before ZIP64: what reaches the sign of its numbers is not given to it.
-constexpr std::uint64_t kTooLongBytes = std::uint64_t{1} << 31;
+// A 32-bit library from before ZIP64: an archive that reaches the sign of its numbers is not made
+// by it. What does not shrink grows by its headers and, in some compressors, by a few bytes per
+// block.
+constexpr std::uint64_t kTooLongBytes = (std::uint64_t{1} << 31) - (std::uint64_t{1} << 20);
 
 using DzipFunction = int(__stdcall*)(void* record);
 
@@ -57,7 +60,10 @@ class DynaZipArchiver : public Archiver {
   ArchiveResult Compress(std::string_view archive_path, std::string_view source_path) override {
     reason_.clear();
     // The source would be removed for the archive that it is taken for.
-    if (EqualNoCase(archive_path, source_path)) return ArchiveResult::kArchiveNotCreated;
+    if (EqualNoCase(archive_path, source_path)) {
+      Explain(Reason::kOntoItself, source_path);
+      return ArchiveResult::kArchiveNotCreated;
+    }
     try {
       std::optional<std::vector<std::byte>> record = MakeDynaZipRecord(archive_path, source_path);
       if (!record || IsTooLong(source_path)) return CompressBuiltIn(archive_path, source_path);
@@ -70,6 +76,7 @@ class DynaZipArchiver : public Archiver {
       reason_ = error.Description();
       return ArchiveResult::kArchiveNotCreated;
     } catch (const std::bad_alloc&) {
+      Explain(Reason::kOutOfMemory, source_path);
       return ArchiveResult::kOutOfMemory;
     } catch (const std::exception&) {
       return ArchiveResult::kUnexpected;
@@ -79,6 +86,14 @@ class DynaZipArchiver : public Archiver {
   [[nodiscard]] std::string FailureReason() const override { return reason_; }
 
  private:
+  void Explain(Reason reason, std::string_view path) {
+    try {
+      reason_ = std::string(path) + ": " + Words(reason);
+    } catch (const std::bad_alloc&) {
+      reason_.clear();
+    }
+  }
+
   [[nodiscard]] bool IsTooLong(std::string_view source_path) const {
     const std::optional<FileStamp> stamp = files_.Stamp(source_path);
     return stamp && stamp->length_bytes >= kTooLongBytes;

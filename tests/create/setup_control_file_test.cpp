@@ -573,9 +573,10 @@ TEST_F(SetupControlFile, FilesOfUserDirectoriesBehindAGapAreMessage1934) {
   EXPECT_TRUE(Write());
 
   ASSERT_EQ(world_.messages.shown.size(), 1u);
-  EXPECT_THAT(world_.messages.shown[0].prompt,
-              StartsWith("On the target computer, files with the destination directory <UserDir3>, "
-                         "<UserDir2> will not get where they belong!\r\n"));
+  EXPECT_THAT(
+      world_.messages.shown[0].prompt,
+      StartsWith("On the target computer, files with the destination directory '<UserDir3>, "
+                 "<UserDir2>' will not get where they belong!\r\n"));
 }
 
 TEST_F(SetupControlFile, UserDirectoriesWithoutAGapAreNothingToMention) {

@@ -139,12 +139,15 @@ TEST_F(SetupKit, AFileThatCannotBeCopiedIsMessage909WithItsName) {
   EXPECT_THAT(Prompt(), StartsWith("Error copying the file 'A.EXE'!\r\n(70: "));
 }
 
-TEST_F(SetupKit, AMissingKeyIsMessage909WithAnEmptyName) {
-  world_.SetKitList("[SetupFiles]\r\nCount=1\r\n");
+TEST_F(SetupKit, AMissingKeyIsMessage909WithItsNumber) {
+  world_.SetKit({{"A.EXE", "a"}});
+  world_.SetKitList("[SetupFiles]\r\nCount=2\r\n1=A.EXE\r\n");
 
   EXPECT_FALSE(Copy());
 
-  EXPECT_THAT(Prompt(), StartsWith("Error copying the file ''!\r\n(52: "));
+  EXPECT_EQ(Prompt(),
+            "Error copying the file '2'!\r\n"
+            "(52: TXSTPKIT.INI: Key 2 of section SetupFiles is missing)");
 }
 
 TEST_F(SetupKit, APlaceholderThatCannotBeWrittenIsMessage911) {

@@ -252,6 +252,7 @@ TEST_F(ArchiverTest, ASourceIsNeverItsOwnArchive) {
   const auto archiver = MakeBuiltInArchiver(files_, clock_);
 
   EXPECT_NE(archiver->Compress("c:\\demo\\LIBRARY.DLL", kSource), ArchiveResult::kSuccess);
+  EXPECT_EQ(archiver->FailureReason(), std::string(kSource) + ": Cannot copy a file onto itself");
   EXPECT_EQ(files_.ReadWhole(kSource), "x");
 }
 
@@ -294,6 +295,7 @@ TEST_P(ArchiverFailureTest, AFailingReadIsTold) {
 TEST_P(ArchiverFailureTest, ASourceCutShortIsTold) {
   files_.source_cut_short = true;
   EXPECT_EQ(Result(), ArchiveResult::kSourceChanged);
+  EXPECT_EQ(reason_, std::string(kSource) + ": The file has changed during the run");
 }
 
 TEST_P(ArchiverFailureTest, AnArchiveThatCannotBeCreatedIsTold) {
@@ -319,6 +321,7 @@ TEST_P(ArchiverFailureTest, ADiskThatIsFullOnlyAtClosingIsTold) {
 TEST_P(ArchiverFailureTest, MemoryThatRunsOutIsTold) {
   files_.out_of_memory = true;
   EXPECT_EQ(Result(), ArchiveResult::kOutOfMemory);
+  EXPECT_EQ(reason_, std::string(kSource) + ": Out of memory");
 }
 
 TEST(ArchiverFailures, WhicheverOperationFailsNoArchiveIsLeftBehind) {

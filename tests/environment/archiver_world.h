@@ -133,7 +133,10 @@ class ArchiverTest : public testing::Test {
   }
 
   ArchiveResult Compress(const ArchiverLimits& limits = {}) {
-    return MakeBuiltInArchiver(files_, clock_, limits)->Compress(kArchive, kSource);
+    const std::unique_ptr<Archiver> archiver = MakeBuiltInArchiver(files_, clock_, limits);
+    const ArchiveResult result = archiver->Compress(kArchive, kSource);
+    reason_ = archiver->FailureReason();
+    return result;
   }
 
   // The archive of a file with these bytes.
@@ -145,6 +148,7 @@ class ArchiverTest : public testing::Test {
 
   FailingFiles files_;
   WallClock clock_;
+  std::string reason_;  // of the last Compress
 };
 
 }  // namespace txs

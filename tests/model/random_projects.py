@@ -276,8 +276,8 @@ def run(seed, wizard, verifier, keep):
         model.check(done.returncode == 0, f"exit code {done.returncode}: {said} {done.stderr.decode()}")
         astray, is_unset = model.user_directories_astray(project)
         expected = ("" if not astray else r"\S+ \S+\s+(Dateien mit dem Zielverzeichnis|On the target computer, "
-                    r"files with the destination directory) " + re.escape(", ".join(astray)) +
-                    r" (kommen|will)[^\n]*\n[^\n]*\n")
+                    r"files with the destination directory) '" + re.escape(", ".join(astray)) +
+                    r"' (kommen|will)[^\n]*\n[^\n]*\n")
         model.check(re.fullmatch(expected, said.rstrip() + "\n" if said else ""),
                     f"messages in the log: {said}")
 

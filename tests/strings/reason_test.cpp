@@ -13,7 +13,7 @@ class ReasonTest : public testing::Test {
 };
 
 TEST_F(ReasonTest, IsEnglishUntilSomethingElseIsSaid) {
-  EXPECT_EQ(Words(Reason::kIsAFolder), "Is a folder");
+  EXPECT_EQ(Words(Reason::kIsAFolder), "Is a directory");
 }
 
 TEST_F(ReasonTest, ComesInTheLanguageOfTheProcess) {

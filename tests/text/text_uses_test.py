@@ -198,6 +198,32 @@ class Texts(unittest.TestCase):
 
         self.assertEqual(sorted(numbers), sorted(map(int, ENUMERATOR.findall(header))))
 
+    def test_the_list_of_messages_explains_every_code_of_the_archiver(self):
+        document = (ROOT / "docs" / "MESSAGES.md").read_text(encoding="utf-8")
+        codes = list(map(int, re.findall(r"^\| (\d+) \|[^|]*\|$", document, re.MULTILINE)))
+        header = SOURCES["environment/archiver.h"]
+
+        self.assertEqual([0, *codes], list(map(int, ENUMERATOR.findall(header))))
+
+    def test_the_list_of_messages_quotes_no_reason_that_half_of_the_readers_see_otherwise(self):
+        document = (ROOT / "docs" / "MESSAGES.md").read_text(encoding="utf-8")
+        quoted = {words.lower() for words in re.findall(r'"([^"\n]+)"', document)}
+        reasons_shown = {text.lower() for n, _ in reasons() for text in TABLE[n]}
+
+        self.assertEqual(quoted & reasons_shown, set())
+
+    def test_own_texts_call_a_directory_by_one_name(self):
+        self.assertEqual(
+            [n for n in TABLE if n >= 1800 and "folder" in TABLE[n][-1].lower()], []
+        )
+
+    def test_the_advice_to_open_a_project_again_does_not_lead_through_a_save(self):
+        """A save would be refused for the same reason."""
+        for number in (1931, 1933):
+            german, english = TABLE[number]
+            self.assertIn("noch einmal, ohne zu speichern", german)
+            self.assertIn("again without saving", english)
+
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])

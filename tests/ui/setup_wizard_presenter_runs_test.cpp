@@ -535,8 +535,9 @@ TEST_F(AddButton, NamesTheFoldersThatItDoesNotAddInOneMessage) {
 
   EXPECT_THAT(world.Sources(), Contains("<ProjectDir>\\a.dll"));
   ASSERT_THAT(messages.Ids(), ElementsAre(1927));
-  EXPECT_THAT(messages.shown[0].prompt,
-              HasSubstr("nur Dateien:\r\nC:\\Demo\\Bilder.dll\r\nC:\\Demo\\Texte\r\n"));
+  EXPECT_THAT(
+      messages.shown[0].prompt,
+      HasSubstr("diese Verzeichnisse nicht:\r\nC:\\Demo\\Bilder.dll\r\nC:\\Demo\\Texte\r\n"));
   EXPECT_FALSE(view.busy);
 }
 
