@@ -11,7 +11,8 @@ build_packages='g++ cmake ninja-build ccache zlib1g-dev libdeflate-dev nlohmann-
 # The windows.
 ui_packages='libwxgtk3.2-dev libgtk-3-dev pkgconf'
 # The tests, the checks of the sources, and the programs that tests compare results with.
-test_packages='libgtest-dev libgmock-dev clang-format gcovr git python3 pkgconf libzip-dev unzip p7zip-full'
+test_packages='libgtest-dev libgmock-dev clang-format gcovr git python3 pkgconf libzip-dev unzip p7zip-full
+  locales'
 
 # The windows on a display of their own, as the tests and the screenshots need it.
 display_packages='xvfb openbox xdotool xclip x11-utils imagemagick fonts-dejavu-core adwaita-icon-theme librsvg2-common'

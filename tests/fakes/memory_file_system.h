@@ -56,6 +56,8 @@ class MemoryFileSystem : public FileSystem {
   void FailFrom(std::uint64_t number, ErrorNumber error);       // the Nth and all after it
   void FailPath(std::string_view path, std::string_view operation, ErrorNumber error);
   void StopFailing();
+  // Whether a Write, CopyWhole, MoveWhole or RemoveTree that fails has done half of its work.
+  bool fail_half_done = false;
   // What the errors on demand say behind the path.
   std::string failure_words = "failed on demand";
   // An operation of another part of the computer: recorded, counted and made to fail as those of
@@ -110,6 +112,10 @@ class MemoryFileSystem : public FileSystem {
   [[nodiscard]] static std::string Normalize(std::string_view path);
   // Records the call; throws when it is to fail.
   void Count(std::string_view operation, std::string_view path) const;
+  // The same for an operation that may have done half of its work by then.
+  template <typename Half>
+  void Count(std::string_view operation, std::string_view path, const Half& do_half);
+  void CopyHalf(std::string_view source, std::string_view target);
   // The same for questions that answer "no" instead of failing.
   [[nodiscard]] bool CountQuietly(std::string_view operation, std::string_view path) const;
   [[nodiscard]] const Node* Find(std::string_view path) const;

@@ -51,6 +51,7 @@ void MemoryPlatform::CountEverything() {
       archiver.reason = error.Description();
       switch (error.Number()) {
         case ErrorNumber::kFileNotFound:
+        case ErrorNumber::kPathNotFound:
           return ArchiveResult::kSourceNotFound;
         case ErrorNumber::kPermissionDenied:
           return ArchiveResult::kSourceUnreadable;

@@ -2,9 +2,9 @@
 """The programs on a real disk that fills up, is read-only, or loses them in the middle of their work.
 
 Python's own code reads back what they left. Run by CTest, one test per scenario:
-    real_disk_test.py WIZARD TOOL WORKER GENERATOR PREPARE SCENARIO
+    real_disk_test.py WIZARD TOOL WORKER DYING_PROCESS GENERATOR PREPARE SCENARIO
 Exit code 77 where the machine does not let this test mount a file system. TXS_SEED, a number, chooses
-other moments for the kills; TXS_ROUNDS, how many.
+other moments for the kills by the clock; TXS_ROUNDS, how many rounds of Create are killed.
 """
 
 import fcntl
@@ -21,7 +21,7 @@ import tempfile
 import time
 import unittest
 
-WIZARD, TOOL, WORKER, GENERATOR, PREPARE = sys.argv[1:6]
+WIZARD, TOOL, WORKER, DYING_PROCESS, GENERATOR, PREPARE = sys.argv[1:7]
 
 PLANT = "Mischanlage Süd"
 SERVER = "Kläranlage Server"
@@ -128,96 +128,104 @@ class RealDisk(unittest.TestCase):
 
     # --- Killed
 
+    def dying(self, studio, number):
+        """The environment of a process that is killed at its Nth call that changes the disk."""
+        environment = self.environment(studio)
+        environment.update(LD_PRELOAD=DYING_PROCESS, TXS_DIE_AT=str(number))
+        # In a build with sanitizers theirs is the next library then.
+        environment["ASAN_OPTIONS"] = environment.get("ASAN_OPTIONS", "") + ":verify_asan_link_order=0"
+        return environment
+
+    def count_calls(self, studio, *command):
+        """Runs a program to its end: the number of its calls that change the disk."""
+        counted = self.scratch / "calls"
+        environment = self.dying(studio, 0)
+        environment["TXS_CALLS_FILE"] = str(counted)
+        subprocess.run(command, env=environment, stdin=subprocess.DEVNULL, capture_output=True, check=True)
+        return int(counted.read_text())
+
+    def kill_at(self, studio, number, *command):
+        result = subprocess.run(
+            command,
+            env=self.dying(studio, number),
+            stdin=subprocess.DEVNULL,
+            capture_output=True,
+            check=False,
+        )
+        self.assertEqual(result.returncode, -signal.SIGKILL, result.stderr)
+
+    def assert_spared(self, studio, before):
+        after = self.sources(studio)
+        after.pop(f"drive_c/Projekte/{PLANT}/{LOCK}", None)
+        self.assertEqual(after, before)
+
     def test_create_killed_at_any_moment_harms_nothing(self):
         expected, seconds = self.undisturbed()
         studio = self.lay()
         before = self.sources(studio)
+        # Each round finds the disks of a whole run, as this one does.
+        self.assert_complete(studio, PLANT, expected)
+        calls = self.count_calls(studio, WIZARD, "/c=" + PLANT)
         killed = 0
         for round_number in range(ROUNDS):
-            # A machine that is less busy than it was when the time was taken has ended its run
-            # before the last of the moments: the next one is killed earlier.
-            for _ in range(4):
+            # All over the run, the first call and the last among them.
+            part = round_number / (ROUNDS - 1) if ROUNDS > 1 else 0
+            self.kill_at(studio, 1 + round(part * (calls - 1)), WIZARD, "/c=" + PLANT)
+            self.assert_spared(studio, before)
+            killed += 1
+            if round_number % 7 == 0:
+                # On top of what that one has left, and by the clock.
                 process = self.start(studio, WIZARD, "/c=" + PLANT)
-                # Every part of the run in turn, at a random moment of it.
-                time.sleep((round_number + self.random.random()) / ROUNDS * seconds)
+                time.sleep(self.random.random() * seconds)
                 process.kill()
                 process.communicate()
-                if process.returncode == -signal.SIGKILL:
-                    killed += 1
-                    break
-                self.assertEqual(process.returncode, 0)
-                seconds *= 0.9
-            after = self.sources(studio)
-            after.pop(f"drive_c/Projekte/{PLANT}/{LOCK}", None)
-            self.assertEqual(after, before)
-            if round_number % 10 == 9:
-                self.assert_complete(studio, PLANT, expected)
-                self.assertEqual(self.sources(studio), before)
-        self.assert_complete(studio, PLANT, expected)
-        self.assertGreaterEqual(killed, ROUNDS * 3 // 4)
+                self.assert_spared(studio, before)
+                killed += process.returncode == -signal.SIGKILL
+            self.assert_complete(studio, PLANT, expected)
+            self.assertEqual(self.sources(studio), before)
         report("rounds of Create killed", killed)
+        report("calls of one Create that change the disk", calls)
 
-    def kill_worker(self, studio, seconds, *task):
-        """Lets a worker do a few of its rounds and kills it at a random moment of the next."""
-        process = self.start(studio, WORKER, *task)
-        for _ in range(1 + self.random.randrange(3)):
-            self.assertEqual(process.stdout.readline(), b"done\n", process.stderr)
-        time.sleep(self.random.random() * seconds)
-        process.kill()
-        process.communicate()
-        self.assertEqual(process.returncode, -signal.SIGKILL)
-
-    def states(self, studio, path, *task):
-        """The bytes of a file after each of the two kinds of change, and the seconds for one."""
-        states = []
+    def kill_worker_everywhere(self, studio, path, *task):
+        """Kills a worker at each of its calls; the file has the bytes of one of the three states."""
+        folder = path.parent
+        original = path.read_bytes()
+        names = {entry.name for entry in folder.iterdir()}
+        states = [original]
         for rounds in ("1", "2"):
             code, _, err = self.run_program(studio, WORKER, *task, rounds)
             self.assertEqual(code, 0, err)
             states.append(path.read_bytes())
-        self.assertNotEqual(states[0], states[1])
-        process = self.start(studio, WORKER, *task)
-        self.assertEqual(process.stdout.readline(), b"done\n")
-        started = time.monotonic()
-        rounds = 6
-        for _ in range(rounds):
-            self.assertEqual(process.stdout.readline(), b"done\n")
-        seconds = (time.monotonic() - started) / rounds
-        process.kill()
-        process.communicate()
-        return states, seconds
+        self.assertEqual(len(set(states)), 3)
+        calls = self.count_calls(studio, WORKER, *task, "2")
+        seen = set()
+        for number in range(1, calls + 1):
+            path.write_bytes(original)
+            self.kill_at(studio, number, WORKER, *task, "2")
+            self.assertIn(path.read_bytes(), states)
+            seen.add(states.index(path.read_bytes()))
+            left = {entry.name for entry in folder.iterdir()}
+            self.assertLessEqual(len(left - names), 2, left)  # a temporary file and the lock
+        self.assertEqual(seen, {0, 1, 2})
+        code, _, err = self.run_program(studio, WORKER, *task, "2")
+        self.assertEqual(code, 0, err)
+        self.assertEqual(path.read_bytes(), states[2])
+        return calls, {entry.name for entry in folder.iterdir()} - names
 
     def test_save_killed_at_any_moment_leaves_the_old_or_the_new_settings(self):
         studio = self.lay()
-        path = self.settings(studio)
-        folder = self.directory(studio)
-        names = sorted(entry.name for entry in folder.iterdir())
-        states, seconds = self.states(studio, path, "save", PLANT)
-        for _ in range(ROUNDS):
-            self.kill_worker(studio, seconds, "save", PLANT)
-            self.assertIn(path.read_bytes(), states)
-            left = sorted(entry.name for entry in folder.iterdir())
-            self.assertLessEqual(len(left), len(names) + 2, left)  # a temporary file and the lock
-        self.assertEqual(self.run_program(studio, WORKER, "save", PLANT, "2")[0], 0)
-        self.assertEqual(sorted(entry.name for entry in folder.iterdir()), names)
-        report("rounds of Save killed", ROUNDS)
+        killed, left = self.kill_worker_everywhere(studio, self.settings(studio), "save", PLANT)
+        self.assertEqual(left, set())
+        report("rounds of Save killed", killed)
 
     def test_writing_the_registry_killed_at_any_moment_leaves_the_old_or_the_new_file(self):
         studio = self.lay()
-        path = studio / "registry.reg"
-        names = sorted(entry.name for entry in studio.iterdir())
-        states, seconds = self.states(studio, path, "registry")
-        for _ in range(ROUNDS):
-            self.kill_worker(studio, seconds, "registry")
-            self.assertIn(path.read_bytes(), states)
-            left = sorted(entry.name for entry in studio.iterdir())
-            self.assertLessEqual(len(left), len(names) + 2, left)  # the new file and the lock
-        self.assertEqual(self.run_program(studio, WORKER, "registry", "2")[0], 0)
-        left = sorted(entry.name for entry in studio.iterdir())
-        self.assertEqual(left, sorted(names + ["registry.reg.lock"]))
+        killed, left = self.kill_worker_everywhere(studio, studio / "registry.reg", "registry")
+        self.assertLessEqual(left, {"registry.reg.lock"})
         code, out, _ = self.run_program(studio, TOOL, "projects")
         self.assertEqual(code, 0)
         self.assertIn(PLANT, out)
-        report("rounds of registry writing killed", ROUNDS)
+        report("rounds of registry writing killed", killed)
 
     # --- Two at once
 
@@ -422,7 +430,7 @@ def enter_namespace():
 
 
 if __name__ == "__main__":
-    scenario = sys.argv[6]
+    scenario = sys.argv[7]
     if scenario in NEEDS_MOUNT and IN_NAMESPACE not in os.environ:
         enter_namespace()
     unittest.main(argv=sys.argv[:1] + ["RealDisk." + scenario])
