@@ -3,9 +3,9 @@
 #
 # Installs what is missing, builds with warnings as errors, and runs every check and every test.
 #   ./test.sh             preset ci: everything, with the windows
-#   ./test.sh sanitize    the tests under the address and undefined-behaviour sanitizers, and how
-#                         much of src/ without the windows they run
-#   ./test.sh sanitize-gui    the forms and their tests under the same sanitizers
+#   ./test.sh sanitize    the tests, all but the sessions of the real program, under the address and
+#                         undefined-behaviour sanitizers, and how much of src/ without the windows they
+#                         run
 #   ./test.sh core        without wxWidgets
 #   ./test.sh windows     the Windows programs: cross-built for x86 and x64, the tests of the latter
 #                         under Wine; the first time it also builds their libraries
@@ -16,8 +16,8 @@ cd "$(dirname "$0")"
 preset=${1:-ci}
 case $preset in
   ci) groups='build ui test display package' ;;
-  core | sanitize) groups='build test' ;;
-  sanitize-gui) groups='build ui test display' ;;
+  core) groups='build test' ;;
+  sanitize) groups='build ui test display' ;;
   windows)
     groups='build test display package windows'
     preset=windows-x64
@@ -28,7 +28,7 @@ case $preset in
     exit 0
     ;;
   *)
-    echo "$0: '$preset' is not ci, core, sanitize, sanitize-gui, windows or analysis" >&2
+    echo "$0: '$preset' is not ci, core, sanitize, windows or analysis" >&2
     exit 2
     ;;
 esac
