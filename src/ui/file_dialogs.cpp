@@ -80,7 +80,8 @@ std::optional<std::string> AskForSetupDirectory(wxWindow* parent, Application& a
     const std::string answer = ParentFolder(
         ToVariableForm(variables, JoinPath(chosen.front(), "x"), VariableForm::kWholePath));
     return answer.ends_with(':') ? answer + "\\" : answer;
-  } catch (const RuntimeError&) {
+  } catch (const RuntimeError& error) {
+    ShowError(application, kNotCompleted, {}, error);
     return std::nullopt;
   }
 }

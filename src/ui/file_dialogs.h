@@ -29,7 +29,8 @@ namespace txs {
                                                    const FileQuestion& question);
 
 // The directory dialog for txtSetupDirectory: opens at `directory`, which is in path-variable form,
-// as is the answer. Nothing when it was cancelled. Never throws.
+// as is the answer. Nothing when it was cancelled, and after message 1913 when there was no dialog.
+// Never throws.
 [[nodiscard]] std::optional<std::string> AskForSetupDirectory(wxWindow* parent,
                                                               Application& application,
                                                               const std::string& directory);

@@ -1,14 +1,13 @@
 #include "ui/options_form.h"
 
 #include <wx/button.h>
-#include <wx/clipbrd.h>
-#include <wx/dataobj.h>
 #include <wx/sizer.h>
 #include <wx/statbox.h>
 
 #include <algorithm>
 
 #include "environment/installation.h"
+#include "ui/clipboard.h"
 #include "ui/dialog_parts.h"
 #include "ui/form_captions.h"
 #include "ui/label_for.h"
@@ -19,7 +18,7 @@ namespace txs {
 namespace {
 
 constexpr char kFormName[] = "FOptions";
-constexpr long kFileNotWritten = 911;
+constexpr long kOptionNotWritten = 1942;
 constexpr int kGapDip = 8;
 constexpr int kMinListWidthDip = 460;
 constexpr int kMaxListWidthDip = 900;
@@ -127,7 +126,7 @@ bool FOptions::StoreOption() {
     StoreUseRuntimeSetup(application_, use_runtime_setup_->GetValue());
     return true;
   } catch (const RuntimeError& error) {
-    ShowError(application_, kFileNotWritten, {kWizardKey}, error);
+    ShowError(application_, kOptionNotWritten, {kWizardKey}, error);
     return false;
   }
 }
@@ -135,9 +134,7 @@ bool FOptions::StoreOption() {
 void FOptions::CopyValue() {
   const long row = variables_->GetFirstSelected();
   if (row == wxNOT_FOUND) return;
-  const wxClipboardLocker clipboard;
-  if (!clipboard) return;
-  wxTheClipboard->SetData(new wxTextDataObject(variables_->GetItemText(row, 1)));
+  CopyToClipboard(variables_->GetItemText(row, 1));
 }
 
 }  // namespace txs

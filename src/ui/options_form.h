@@ -14,7 +14,7 @@ namespace txs {
 class FOptions : public wxDialog {
  public:
   // Shows the path variables of the open project. OK keeps the option in the registry; when the
-  // registry refuses, it says so (message 911) and the dialog stays open.
+  // registry refuses, it says so (message 1942) and the dialog stays open.
   FOptions(wxWindow* parent, Application& application, HelpViewer& help);
 
   int ShowModal() override;

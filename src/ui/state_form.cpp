@@ -1,13 +1,12 @@
 #include "ui/state_form.h"
 
-#include <wx/clipbrd.h>
-#include <wx/dataobj.h>
 #include <wx/display.h>
 #include <wx/statbox.h>
 
 #include <algorithm>
 #include <utility>
 
+#include "ui/clipboard.h"
 #include "ui/dialog_parts.h"
 #include "ui/form_pictures.h"
 #include "ui/label_for.h"
@@ -307,13 +306,7 @@ void StateForm::ListReport(const RunReport& report) {
   PaintNow();
 }
 
-void StateForm::CopyReport() {
-  const wxClipboardLocker locker;
-  if (!locker) return;
-  wxTheClipboard->SetData(new wxTextDataObject(report_->GetValue()));
-  // The list outlives the program where the desktop keeps the clipboard.
-  wxTheClipboard->Flush();
-}
+void StateForm::CopyReport() { CopyToClipboard(report_->GetValue()); }
 
 void StateForm::WaitForOk() {
   if (!open_) return;

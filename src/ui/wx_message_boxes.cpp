@@ -2,8 +2,6 @@
 
 #include <wx/artprov.h>
 #include <wx/button.h>
-#include <wx/clipbrd.h>
-#include <wx/dataobj.h>
 #include <wx/dialog.h>
 #include <wx/display.h>
 #include <wx/scrolwin.h>
@@ -15,6 +13,7 @@
 
 #include <algorithm>
 
+#include "ui/clipboard.h"
 #include "ui/form_pictures.h"
 #include "ui/wx_text.h"
 
@@ -271,10 +270,7 @@ class MessageDialog : public wxDialog {
     if (event.GetKeyCode() == WXK_F1 && event.GetModifiers() == wxMOD_NONE && contents_.open_help) {
       contents_.open_help();
     } else if (event.GetKeyCode() == 'C' && event.GetModifiers() == wxMOD_CONTROL) {
-      const wxClipboardLocker locker;
-      if (!locker) return;
-      wxTheClipboard->SetData(
-          new wxTextDataObject(contents_.title + "\n\n" + contents_.prompt + "\n"));
+      CopyToClipboard(contents_.title + "\n\n" + contents_.prompt + "\n");
     } else if (!ScrollBy(event.GetKeyCode())) {
       event.Skip();
     }

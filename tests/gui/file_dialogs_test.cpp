@@ -172,6 +172,16 @@ TEST_F(FileDialogs, TheDirectoryDialogOpensAtTheNearestFolderThatExists) {
             "C:\\Projects");
 }
 
+// The button would do nothing, and nobody would know why.
+TEST_F(FileDialogs, ADirectoryThatBecomesTooLongIsToldInsteadOfADialog) {
+  std::string directory;
+  for (int i = 0; i < 1'000'000; ++i) directory += "<ProjectDir>";
+
+  EXPECT_EQ(AskForSetupDirectory(parent, world.application, directory), std::nullopt);
+
+  EXPECT_THAT(world.messages.Ids(), testing::ElementsAre(1913));
+}
+
 TEST_F(FileDialogs, EscapeChoosesNoDirectory) {
   Meanwhile meanwhile;
   meanwhile.In<wxDirDialog>([](wxDirDialog& dialog) {

@@ -208,7 +208,7 @@ TEST(FOptions, ARegistryThatRefusesIsSaidAndTheDialogStays) {
 
   EXPECT_TRUE(stays);
   EXPECT_EQ(result, wxID_CANCEL);
-  EXPECT_EQ(world.messages.Ids(), std::vector<long>{911});
+  EXPECT_EQ(world.messages.Ids(), std::vector<long>{1942});
   EXPECT_THAT(world.messages.shown.at(0).prompt, testing::HasSubstr(kWizardKey));
   EXPECT_THAT(world.messages.shown.at(0).prompt, testing::HasSubstr("(70: "));
   EXPECT_TRUE(world.application.use_runtime_setup);
