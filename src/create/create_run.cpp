@@ -141,21 +141,13 @@ bool MakeTemporaryDirectory(Application& application, CreateState& state) {
   });
 }
 
-// Nothing when the directory does not exist yet. Asked of List alone: FolderExists also says "no"
-// when it could not find out, and disks left from an earlier run would go out with the new ones.
-std::vector<FileEntry> ListOldDisks(const FileSystem& files, const std::string& output_directory) {
-  try {
-    return files.List(output_directory, "DISK*");
-  } catch (const RuntimeError& error) {
-    if (error.Number() != ErrorNumber::kPathNotFound) throw;
-    return {};
-  }
-}
-
 void RemoveOldDisks(Application& application, const std::string& output_directory) {
   FileSystem& files = application.platform.files;
   std::vector<std::string> old_disks;
-  for (const FileEntry& entry : ListOldDisks(files, output_directory)) {
+  // Made first, so that it is there: a share that is away for a moment would seem to hold no disks
+  // of an earlier run, and they would go out with the new ones.
+  files.MakeFolder(output_directory);
+  for (const FileEntry& entry : files.List(output_directory, "DISK*")) {
     if (entry.is_folder) old_disks.push_back(JoinPath(output_directory, entry.name));
   }
   DoomedFolders(files, old_disks).SpareSources(application);

@@ -43,6 +43,11 @@ bool ScanDesignerProject(ScanSession& session, DependencyResolver& resolver) {
   Application& application = session.App();
   const std::string studio_project = application.project.StudioProjectFile();
   return AtWorkBorder(application, kMessageScanning, studio_project, [&] {
+    // One that is not there would read as an empty one.
+    if (!application.platform.files.FileExists(studio_project)) {
+      throw RuntimeError(ErrorNumber::kFileNotFound,
+                         studio_project + ": " + Words(Reason::kFileNotFound));
+    }
     const ProfileDocument& project = application.platform.profiles.Open(studio_project);
     const std::string designer = project.Value("Global", "Designer").value_or("");
     if (!IsVisualBasic(designer)) {
@@ -59,16 +64,10 @@ bool ScanDesignerProject(ScanSession& session, DependencyResolver& resolver) {
   });
 }
 
-// Asked before the file is read: one that does not exist would read as an empty one.
-bool OpensAsItIs(Application& application, const std::string& path) {
-  if (!application.platform.files.FileExists(path)) return false;
-  static_cast<void>(application.platform.profiles.Open(path));
-  return true;
-}
-
-bool IsReadable(Application& application, const std::string& path) {
+bool CanOpen(ProfileFiles& profiles, const std::string& path) {
   try {
-    return OpensAsItIs(application, path);
+    static_cast<void>(profiles.Open(path));
+    return true;
   } catch (const RuntimeError&) {
     return false;
   }
@@ -80,7 +79,7 @@ void CheckProductList(ScanSession& session) {
   Application& application = session.App();
   const std::string list = application.ProductDependencyFile();
   try {
-    if (OpensAsItIs(application, list)) return;
+    if (session.Dependencies().Open(list) != nullptr) return;
     ShowWarning(application, kMessageNoProductList, {list});
   } catch (const RuntimeError& error) {
     ShowError(application, kMessageNoProductList, {list}, error);
@@ -94,12 +93,15 @@ bool RunStages(ScanSession& session) {
   CheckProductList(session);
   bool succeeded = ScanStudioProject(session, resolver);
   if (session.View().IsCancelPressed()) return false;
-  // A project file that cannot be read or is missing was the first stage's message.
-  if (IsReadable(session.App(), session.App().project.StudioProjectFile())) {
-    succeeded = ScanDesignerProject(session, resolver) && succeeded;
-  } else if (!succeeded) {
+  const CurrentProject& project = session.App().project;
+  const std::string project_file = project.StudioProjectFile();
+  // All three ended the first stage with what the second would say again.
+  const bool was_missing = session.IsRecordedMissing(FileName(project_file));
+  if (!succeeded && !was_missing &&
+      (project.directory.empty() || !CanOpen(session.App().platform.profiles, project_file))) {
     return false;
   }
+  if (!was_missing) succeeded = ScanDesignerProject(session, resolver) && succeeded;
   if (session.View().IsCancelPressed()) return false;
   return resolver.FollowKeptRows() && succeeded;
 }

@@ -242,6 +242,10 @@ void ScanSession::RecordMissing(std::string name, std::vector<std::string> chain
   missing_.push_back({std::move(name), std::move(chain)});
 }
 
+bool ScanSession::IsRecordedMissing(std::string_view name) const {
+  return missing_names_.contains(FoldCase(name));
+}
+
 std::vector<MissingItem> ScanSession::TakeMissing() { return std::exchange(missing_, {}); }
 
 }  // namespace txs

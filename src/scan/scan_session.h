@@ -110,6 +110,7 @@ class ScanSession {
 
   // --- What was not found.
   void RecordMissing(std::string name, std::vector<std::string> chain);
+  [[nodiscard]] bool IsRecordedMissing(std::string_view name) const;
   [[nodiscard]] std::vector<MissingItem> TakeMissing();
   // The projects that the current line belongs to, outermost first: what every chain begins with.
   std::vector<std::string> chain_root;
