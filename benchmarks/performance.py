@@ -291,6 +291,16 @@ class Bench:
                 *columns("zip -5"), "Create: size %", "zip: size %"]
         return table(head, lines), {}
 
+    def repeated(self, studio, chosen):
+        """The files and further names of them, 4 GiB in all."""
+        names, total = list(chosen), sum(os.path.getsize(studio.path(name)) for name in chosen)
+        while total < 4096 * MIB:
+            name = chosen[len(names) % len(chosen)]
+            names.append(f"{len(names)}-{name}")
+            os.link(studio.path(name), studio.path(names[-1]))
+            total += os.path.getsize(studio.path(name))
+        return names
+
     def many_files(self):
         files, kind = dll_files()
         lines = []
@@ -298,20 +308,21 @@ class Bench:
         with self.folder() as root:
             studio = CreateStudio(root)
 
-            def line(title, names, rounds):
+            def line(title, names, rounds, with_seven=True):
                 studio.set_rows(names)
                 ours = self.create(studio, rounds)
                 packed = studio.archive_bytes()
                 studio.clear()
                 bare = self.bare(studio, names, rounds)
                 peer = self.zip(studio, names, rounds)
-                seven = self.seven(studio, names, 1)
+                seven = self.seven(studio, names, 1) if with_seven else None
                 total = sum(os.path.getsize(studio.path(name)) for name in names)
                 lines.append([title, f"{len(names):,}", mib(total), *cells(ours),
                               seconds(bare["compress"]), seconds(bare["disk"]),
                               f"{ours['cpu'] / bare['compress']:.2f}", *cells(peer), *cells(seven),
                               f"{100 * packed / total:.2f}", f"{100 * peer['bytes'] / total:.2f}"])
-                return total / MIB, ours["cpu"], bare["compress"], peer["cpu"], seven["cpu"]
+                return (total / MIB, ours["cpu"], bare["compress"], peer["cpu"],
+                        seven and seven["cpu"])
 
             chosen, curves = [], [[], [], [], []]
             for index, path in enumerate(files):
@@ -321,6 +332,12 @@ class Bench:
             for part in (64, 16, 4, 1)[:2 if self.quick else 4]:
                 point = line(kind, chosen[::part], self.rounds(part == 1))
                 for curve, figure in zip(curves, point[1:]):
+                    curve.append((point[0], figure))
+            if not self.quick:
+                # 7z takes ten minutes for them.
+                point = line(f"{kind}, the same again and again", self.repeated(studio, chosen), 1,
+                             with_seven=False)
+                for curve, figure in zip(curves[:3], point[1:]):
                     curve.append((point[0], figure))
             small = []
             for index in range(500 if self.quick else 5_000):

@@ -21,6 +21,7 @@ import unittest
 
 WIZARD, TOOL, GENERATOR, PREPARE = (str(pathlib.Path(path).absolute()) for path in sys.argv[1:5])
 RECORD = pathlib.Path(__file__).with_name("sample_installations.sha256")
+LEAKS = pathlib.Path(__file__).with_name("leaks.supp")
 
 SCANNED = "Pumpwerke"  # has no list of files before its first Scan
 PROJECTS = ("Kläranlage Server", "Leitstand Client", "Mischanlage Süd", SCANNED)
@@ -54,6 +55,7 @@ class Reproducible(unittest.TestCase):
             # Archives and script tell local times, as on Windows: the time zone is input.
             "TZ": "UTC",
             "TAVIX_ROOT": str(studio),
+            "LSAN_OPTIONS": f"suppressions={LEAKS}:print_suppressions=0",
         }
         for key, value in (changes or {}).items():
             environment.pop(key, None)
