@@ -92,7 +92,7 @@ TEST(DiskPlan, TheUnlimitedMediumTakesEverythingOnDisk1) {
 
 // "No limit" is 2,147,483,647 bytes, no multiple of 1024: what needs more goes on to disk 2.
 TEST(DiskPlan, WithoutALimitMoreThanTwoGibibytesGoOnToTheNextDisk) {
-  constexpr std::uint64_t kGibi = 1024 * 1024 * kKibi;
+  constexpr std::uint64_t kGibi = std::uint64_t{1} << 30;
   for (const Sizes& sizes :
        {Sizes{2 * kGibi - kKibi}, Sizes{2 * kGibi - 1}, Sizes{2 * kGibi}, Sizes{4 * kGibi + 1},
         Sizes{kGibi, kGibi - 2 * kKibi, 1, 1}, Sizes{kGibi, kGibi - kKibi, 1}}) {
