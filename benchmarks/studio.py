@@ -62,7 +62,7 @@ class CreateStudio:
     def set_rows(self, names, on_diskettes=False):
         lines = ["[program]", "name=Bench.exe", "[Destination]", f"Size={0 if on_diskettes else 1}",
                  "Path=C:\\Out", "[path]", "tavix=C:\\Studio", "project=C:\\Bench", "[file]"]
-        lines += [f"{i:02d}=<ProjectDir>{name},<ProjectDir>,0" for i, name in enumerate(names, 1)]
+        lines += [f"{i:02d}=<ProjectDir>\\{name},<ProjectDir>,0" for i, name in enumerate(names, 1)]
         write(self.path("Bench.swz"), crlf(lines))
 
     def disks(self):
@@ -92,6 +92,7 @@ class ScanStudio:
         for i in range(components):
             write(os.path.join(self.system, f"Part{i}.dll"), b"part")
         write(os.path.join(self.project, "Bench.exe"), b"program")
+        write(os.path.join(drive, "Tavix", "SetupKit", "TXDependencies.ini"), b"")
         write(os.path.join(self.project, "Bench.txs"),
               crlf(["[Global]", "Designer=Visual Basic 6.0", "DesignerProject=Bench.vbp"]))
         keys = [
