@@ -50,9 +50,9 @@ std::string DateText(const LocalTime& time) {
   return std::string(text.data(), static_cast<std::size_t>(length));
 }
 
-// Where the first of the commands ends that an entry joins by "@". A project or a driver may have
-// an
-// "@" in its name: within the parentheses of a command, one that no command follows joins nothing.
+// Where the first of the commands ends that an entry joins by "@". Names of projects and drivers
+// may hold an "@", too: within the parentheses of a command, one that no command follows joins
+// nothing.
 std::size_t EndOfCommand(std::string_view commands) {
   const auto is_letter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
   for (std::size_t at = commands.find('@'); at != std::string_view::npos;

@@ -448,6 +448,7 @@ TEST_F(SetupControlFile, EmptyPiecesOfAnEntryMakeNoBlankLines) {
 TEST_F(SetupControlFile, AnAtInAnArgumentJoinsNothing) {
   for (const char* entry :
        {"WriteRegistry(HKEY_LOCAL_MACHINE|Software\\Leit@Werk|Path|<ProjectDir>|1)",
+        "WriteRegistry(HKEY_LOCAL_MACHINE|Software\\Leit@Werk(2)|Path|<ProjectDir>|1)",
         "WriteRegistry(HKEY_LOCAL_MACHINE|Software\\A|Name|Waage (Halle)@COM1|1)",
         "WriteRegistry(HKEY_LOCAL_MACHINE|Software\\A|B|@%SystemRoot%\\x.dll,-1|1)"}) {
     world_.application.document.extra_todo_lines = {entry,
