@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "document/path_variables.h"
+#include "document/settings_file.h"
 #include "environment/code_page.h"
 #include "environment/windows_path.h"
 
@@ -46,7 +47,7 @@ void UseFullMdac(Application& application) {
   const std::string minimal = InKit(application, kMinimalMdacInstaller);
   const std::string full_source = SourceInKit(application, kFullMdacInstaller);
   for (FileRow* row : document.AllRows()) {
-    if (!EqualNoCase(row->destination, "<TempDir>")) continue;
+    if (!EqualNoCase(row->destination, kTempDirName)) continue;
     if (!EqualNoCase(SourcePath(document.path_variables, row->source), minimal)) continue;
     row->source = full_source;
     row->compressed_name.clear();

@@ -39,7 +39,6 @@ constexpr long kMessageGap = 1936;
 constexpr long kMessageNotRead = 1931;
 constexpr long kMessageChangedByAnother = 1933;
 
-constexpr char kTempDirName[] = "<TempDir>";
 constexpr char kUserDirPrefix[] = "<UserDir";
 
 // Text keys that are read and written alike. Their values in the defaults are those that the reader

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "document/mdac.h"
+#include "document/settings_file.h"
 #include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/full_path.h"
@@ -17,7 +18,6 @@ constexpr long kMessageAddingFile = 907;
 constexpr long kMessageMdacHint = 917;
 
 constexpr char kJetServicePack[] = "Jet40Sp3_Comp.exe";
-constexpr char kTemporaryDirectory[] = "<TempDir>";
 
 // "VB Runtime", "Tavix4 Client": names that exist only as sections of dependency files.
 bool IsPseudoFile(std::string_view path) {
@@ -305,7 +305,7 @@ std::optional<ScanSession::Located> DependencyResolver::FindInstallerRow(
       found ? session_.FindListed(found->path) : std::nullopt;
   if (!listed) return std::nullopt;
   const FileRow& row = session_.App().document.files.Row(listed->row);
-  if (!EqualNoCase(row.destination, kTemporaryDirectory)) return std::nullopt;
+  if (!EqualNoCase(row.destination, kTempDirName)) return std::nullopt;
   return found;
 }
 
@@ -333,7 +333,7 @@ void DependencyResolver::AddInstaller(const Installer& installer) {
   }
   if (!session_.FindListed(located.path)) {
     session_.AppendRow(located.path, located.stamp.length_bytes, RegistrationKind::kNone,
-                       kTemporaryDirectory);
+                       kTempDirName);
   }
   session_.AddScriptLine(installer.script_line);
 }
@@ -344,7 +344,7 @@ void DependencyResolver::AddInstallerLinesOfKeptRows() {
   const SetupDocument& document = session_.App().document;
   for (std::size_t row = 1; row <= session_.KeptRows(); ++row) {
     const FileRow& kept = document.files.Row(row);
-    if (!EqualNoCase(kept.destination, kTemporaryDirectory)) continue;
+    if (!EqualNoCase(kept.destination, kTempDirName)) continue;
     const bool is_minimal =
         document.steps.minimal_mdac &&
         IsNamed(kept.source, kMinimalMdacInstaller);  // Create shortens the line
