@@ -2,6 +2,8 @@
 
 #include <wx/bitmap.h>
 #include <wx/bookctrl.h>
+#include <wx/clipbrd.h>
+#include <wx/dataobj.h>
 #include <wx/dcmemory.h>
 #include <wx/dcscreen.h>
 #include <wx/evtloop.h>
@@ -160,6 +162,15 @@ void PressKey(int key_code, int modifiers) {
 void TypeText(const std::string& ascii) {
   wxUIActionSimulator().Text(ascii.c_str());
   LetEventsRun();
+}
+
+std::string TextCopiedBy(const std::function<void()>& action) {
+  const unsigned long before = ClipboardChanges();
+  action();
+  EXPECT_TRUE(WaitFor([&] { return ClipboardChanges() != before; })) << "nothing was copied";
+  wxTextDataObject copied;
+  const wxClipboardLocker locker;
+  return wxTheClipboard->GetData(copied) ? copied.GetText().utf8_string() : std::string();
 }
 
 int WhileModal(wxDialog& dialog, const std::function<int()>& show,

@@ -72,6 +72,13 @@ ControlType& Control(wxWindow& form, const std::string& name) {
   return *control;
 }
 
+// The text that `action` brings into the clipboard. Fails the test when nothing comes. The
+// clipboard is not looked into before: who looks has it open, and the program would find it taken.
+std::string TextCopiedBy(const std::function<void()>& action);
+
+// How often something came into the clipboard, counted from the first call on at the latest.
+unsigned long ClipboardChanges();
+
 // Moves the real pointer and presses the left button. A window is clicked in its middle, once it
 // stands still.
 void Click(wxWindow& window);

@@ -31,6 +31,10 @@ void FindEntry(GtkWidget* widget, gpointer found) {
 
 void NotePaint(GdkFrameClock* /*clock*/, gpointer painted) { *static_cast<bool*>(painted) = true; }
 
+void CountChange(GtkClipboard* /*clipboard*/, GdkEvent* /*event*/, gpointer changes) {
+  ++*static_cast<unsigned long*>(changes);
+}
+
 }  // namespace
 
 bool IsInPlace(wxTopLevelWindow& form) {
@@ -91,6 +95,14 @@ std::string ShownTooltip() {
   }
   g_list_free(windows);
   return text;
+}
+
+unsigned long ClipboardChanges() {
+  static unsigned long changes = 0;
+  static const gulong handler = g_signal_connect(gtk_clipboard_get(GDK_SELECTION_CLIPBOARD),
+                                                 "owner-change", G_CALLBACK(CountChange), &changes);
+  static_cast<void>(handler);
+  return changes;
 }
 
 bool FocusIsIn(wxWindow& window) {

@@ -82,6 +82,8 @@ std::string ShownTooltip() {
   return text;
 }
 
+unsigned long ClipboardChanges() { return GetClipboardSequenceNumber(); }
+
 bool FocusIsIn(wxWindow& window) {
   const HWND focus = GetFocus();
   return focus != nullptr &&

@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 #include <wx/button.h>
 #include <wx/checkbox.h>
-#include <wx/clipbrd.h>
-#include <wx/dataobj.h>
 #include <wx/listctrl.h>
 #include <wx/textctrl.h>
 
@@ -258,14 +256,7 @@ TEST(FOptions, ControlCCopiesTheValueOfTheSelectedVariable) {
   ClickAt(OnRow(List(form), 0));
   EXPECT_TRUE(WaitFor([&] { return List(form).GetFirstSelected() == 0; }));
 
-  PressKey('C', wxMOD_CONTROL);
-
-  wxTextDataObject copied;
-  EXPECT_TRUE(WaitFor([&] {
-    const wxClipboardLocker clipboard;
-    return wxTheClipboard->GetData(copied) && !copied.GetText().empty();
-  }));
-  EXPECT_EQ(copied.GetText(), "C:\\Projects\\Demo & Test");
+  EXPECT_EQ(TextCopiedBy([] { PressKey('C', wxMOD_CONTROL); }), "C:\\Projects\\Demo & Test");
 }
 
 TEST(FOptions, HelpAndF1OpenTheHelpFile) {

@@ -1,8 +1,6 @@
 #include "ui/state_scan_form.h"
 
 #include <gmock/gmock.h>
-#include <wx/clipbrd.h>
-#include <wx/dataobj.h>
 #include <wx/timer.h>
 
 #include <string>
@@ -19,14 +17,9 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 const MissingItem kMissing = {"COMCAT.DLL", {"Demo.vbp", "MSCOMCTL.OCX", "COMCAT.DLL"}};
-
-std::string Clipboard() {
-  wxTextDataObject copied;
-  const wxClipboardLocker locker;
-  return wxTheClipboard->GetData(copied) ? copied.GetText().utf8_string() : std::string();
-}
 
 class StateScan : public StateFormTest<FStateScan> {
  protected:
@@ -440,14 +433,14 @@ TEST_F(StateScan, CopiesTheReport) {
   End(/*succeeded=*/false);
   form_->ShowReport({{"Größe unbekannt"}, {kMissing}});
 
+  std::string copied;
   WaitWhile([&] {
-    Click(Button("cmdCopy"));
-    EXPECT_TRUE(WaitFor([&] { return Clipboard() == Report().GetValue().utf8_string(); }));
+    copied = TextCopiedBy([&] { Click(Button("cmdCopy")); });
     PressKey(WXK_ESCAPE);
   });
 
-  EXPECT_EQ(Clipboard(), Report().GetValue().utf8_string());
-  EXPECT_THAT(Clipboard(), HasSubstr("Größe unbekannt"));
+  EXPECT_EQ(copied, Report().GetValue().utf8_string());
+  EXPECT_THAT(copied, HasSubstr("Größe unbekannt"));
 }
 
 TEST_F(StateScan, CopiesTheReportByItsAccessKey) {
@@ -455,11 +448,13 @@ TEST_F(StateScan, CopiesTheReportByItsAccessKey) {
   End(/*succeeded=*/false);
   form_->ShowReport({{"By key"}, {}});
 
+  std::string copied;
   WaitWhile([&] {
-    PressKey('K', wxMOD_ALT);
-    EXPECT_TRUE(WaitFor([] { return Clipboard().starts_with("By key"); }));
+    copied = TextCopiedBy([] { PressKey('K', wxMOD_ALT); });
     PressKey(WXK_ESCAPE);
   });
+
+  EXPECT_THAT(copied, StartsWith("By key"));
 }
 
 TEST_F(StateScan, TheReportIsReachedAndLeftByTheKeyboard) {

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 #include <wx/app.h>
 #include <wx/button.h>
-#include <wx/clipbrd.h>
-#include <wx/dataobj.h>
 #include <wx/display.h>
 #include <wx/frame.h>
 #include <wx/scrolwin.h>
@@ -207,19 +205,16 @@ TEST_F(WxMessageBoxesTest, ATextThatIsTooHighForTheScreenIsScrolledAndTheButtons
 TEST_F(WxMessageBoxesTest, ATextWithoutEndIsCutAndCopiedWhole) {
   const std::string prompt = std::string(2'000'000, 'x');
 
-  ShowAnd({.prompt = prompt}, [](wxTopLevelWindow& box) {
+  std::string copied;
+  ShowAnd({.prompt = prompt}, [&](wxTopLevelWindow& box) {
     const wxString text = Control<wxStaticText>(box, "lblMessage").GetLabelText();
     EXPECT_TRUE(text.EndsWith("\n...")) << FromWx(text.Right(20));
     EXPECT_LT(text.length(), 100'000U);
-    PressKey('C', wxMOD_CONTROL);
-    LetEventsRun();
+    copied = TextCopiedBy([] { PressKey('C', wxMOD_CONTROL); });
     PressKey(WXK_RETURN);
   });
 
-  const wxClipboardLocker locker;
-  wxTextDataObject copied;
-  ASSERT_TRUE(wxTheClipboard->GetData(copied));
-  EXPECT_EQ(copied.GetText().length(), prompt.size() + std::string("title\n\n\n").size());
+  EXPECT_EQ(copied.size(), prompt.size() + std::string("title\n\n\n").size());
 }
 
 TEST_F(WxMessageBoxesTest, LineBreaksAndAmpersandsAreShownAsTheyAre) {
@@ -299,19 +294,13 @@ TEST_F(WxMessageBoxesTest, ABoxThatNamesNoHelpFileHasNoHelpButton) {
 }
 
 TEST_F(WxMessageBoxesTest, ControlCCopiesTitleAndText) {
-  ShowAnd({.prompt = "first\r\nsecond", .title = "title (Message 70)"}, [](wxTopLevelWindow&) {
-    PressKey('C', wxMOD_CONTROL);
-    WaitFor([] {
-      const wxClipboardLocker locker;
-      return !!locker && wxTheClipboard->IsSupported(wxDF_UNICODETEXT);
-    });
+  std::string copied;
+  ShowAnd({.prompt = "first\r\nsecond", .title = "title (Message 70)"}, [&](wxTopLevelWindow&) {
+    copied = TextCopiedBy([] { PressKey('C', wxMOD_CONTROL); });
     PressKey(WXK_RETURN);
   });
 
-  const wxClipboardLocker locker;
-  wxTextDataObject copied;
-  ASSERT_TRUE(wxTheClipboard->GetData(copied));
-  EXPECT_EQ(copied.GetText(), "title (Message 70)\n\nfirst\nsecond\n");
+  EXPECT_EQ(copied, "title (Message 70)\n\nfirst\nsecond\n");
 }
 
 }  // namespace
