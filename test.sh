@@ -129,11 +129,13 @@ mkdir -p "$reports"
 # Counts of an earlier run would be added to.
 find "$build" -name '*.gcda' -delete
 tests_ok=1
+# One more than there are processors: the forms mostly wait for the window system.
+jobs=$(($(nproc) + 1))
 # For a program of Windows, Z: is the root of this machine's files.
 drive=
 if [ "$preset" = windows-x64 ]; then drive=Z:; fi
 GTEST_OUTPUT=xml:$drive$reports/ UBSAN_OPTIONS=print_stacktrace=1 \
-  ctest --preset "$preset" -j 2 --output-junit "$reports/ctest.junit" || tests_ok=0
+  ctest --preset "$preset" -j "$jobs" --output-junit "$reports/ctest.junit" || tests_ok=0
 
 if [ "$coverage" = ON ]; then
   run_check coverage tools/coverage.py "$build" "$build/test-reports/not-run.txt" --at-least 95
