@@ -123,15 +123,27 @@ class Bench:
         """The round with the least CPU time."""
         return min((action() for _ in range(rounds)), key=lambda figures: figures["cpu"])
 
-    def rounds(self, costly):
-        return 1 if costly or self.quick else 3
+    def rounds(self, seconds_each):
+        """Enough for a moment without disturbance, as far as half a minute goes."""
+        return 1 if self.quick else max(1, min(9, round(30 / seconds_each)))
 
-    def create(self, studio, rounds):
-        def run():
+    def create(self, studio):
+        studio.clear()
+        return self.cost([self.wizard, "/c=Bench"], studio=studio.root)
+
+    def create_and_bare(self, studio, names):
+        """By turns: what disturbs the machine for a while disturbs both."""
+        ours, bare = [], []
+        rounds = None
+        while rounds is None or len(ours) < rounds:
+            figures = self.create(studio)
+            figures["bytes"] = studio.archive_bytes()
+            ours.append(figures)
             studio.clear()
-            return self.cost([self.wizard, "/c=Bench"], studio=studio.root)
-
-        return self.best(rounds, run)
+            bare.append(self.bare(studio, names))
+            rounds = rounds or self.rounds(figures["wall"] + bare[0]["compress"] + bare[0]["disk"])
+        return (min(ours, key=lambda figures: figures["cpu"]),
+                min(bare, key=lambda figures: figures["compress"]))
 
     def peer(self, command, archive, rounds, **options):
         """zip and 7z would update an archive that is there."""
@@ -161,14 +173,11 @@ class Bench:
         write(path, ("\n".join(names) + "\n").encode())
         return path
 
-    def bare(self, studio, names, rounds):
-        def run():
-            paths = [studio.path(name) for name in names]
-            done = subprocess.run([self.bare_program, studio.root], text=True, check=True,
-                                  input="\n".join(paths) + "\n", stdout=subprocess.PIPE)
-            return json.loads(done.stdout)
-
-        return min((run() for _ in range(rounds)), key=lambda figures: figures["compress"])
+    def bare(self, studio, names):
+        paths = [studio.path(name) for name in names]
+        done = subprocess.run([self.bare_program, studio.root], text=True, check=True,
+                              input="\n".join(paths) + "\n", stdout=subprocess.PIPE)
+        return json.loads(done.stdout)
 
     # Each measures one section of the page and returns its text and its plots by file name.
 
@@ -183,11 +192,8 @@ class Bench:
                     names.append(f"f{len(names)}.txt")
                     write(studio.path(names[-1]), text_of(rng, 2000))
                 studio.set_rows(names)
-                rounds = self.rounds(count > 10_000)
-                ours = self.create(studio, rounds)
-                studio.clear()
-                bare = self.bare(studio, names, rounds)
-                peer = self.zip(studio, names, rounds)
+                ours, bare = self.create_and_bare(studio, names)
+                peer = self.zip(studio, names, self.rounds(ours["wall"]))
                 seven = self.seven(studio, names, 1)
                 create_cpu.append((count, ours["cpu"]))
                 zip_cpu.append((count, peer["cpu"]))
@@ -221,13 +227,10 @@ class Bench:
                         with open(files[source % len(files)], "rb") as part:
                             written += big.write(part.read(size * MIB - written))
                         source += 1
-                rounds = self.rounds(size > 64)
-                ours = self.create(studio, rounds)
-                ours["bytes"] = studio.archive_bytes()
-                studio.clear()
-                bare = self.bare(studio, [name], rounds)
+                ours, bare = self.create_and_bare(studio, [name])
                 # The peers only as far as their line is clear: they take minutes beyond.
-                peer = self.zip(studio, [name], rounds) if size <= 1024 else None
+                peer = (self.zip(studio, [name], 1 if size > 64 else self.rounds(2 * ours["wall"]))
+                        if size <= 1024 else None)
                 seven = self.seven(studio, [name], 1) if size <= 256 else None
                 for curve, figures in (("Create", ours["cpu"]), ("compressor alone", bare["compress"]),
                                        ("zip -5", peer and peer["cpu"]),
@@ -268,13 +271,11 @@ class Bench:
             studio.set_rows([name])
 
             def line(title):
-                ours = self.create(studio, self.rounds(False))
-                packed = studio.archive_bytes()
-                studio.clear()
-                bare = self.bare(studio, [name], self.rounds(False))
+                ours, bare = self.create_and_bare(studio, [name])
                 peer = self.zip(studio, [name], 1)
-                lines.append([title, *cells(ours), seconds(bare["compress"]), *cells(peer),
-                              f"{100 * packed / size:.2f}", f"{100 * peer['bytes'] / size:.2f}"])
+                lines.append([title, *cells(ours), seconds(bare["compress"]),
+                              f"{ours['cpu'] / bare['compress']:.2f}", *cells(peer),
+                              f"{100 * ours['bytes'] / size:.2f}", f"{100 * peer['bytes'] / size:.2f}"])
 
             for title, make in makers:
                 with open(studio.path(name), "wb") as file:
@@ -288,7 +289,7 @@ class Bench:
                 file.truncate(size)
             line(kind)
         head = [f"{size // MIB} MiB of", *columns("Create"), "compressor alone: CPU s",
-                *columns("zip -5"), "Create: size %", "zip: size %"]
+                "Create ÷ compressor", *columns("zip -5"), "Create: size %", "zip: size %"]
         return table(head, lines), {}
 
     def repeated(self, studio, chosen):
@@ -308,19 +309,17 @@ class Bench:
         with self.folder() as root:
             studio = CreateStudio(root)
 
-            def line(title, names, rounds, with_seven=True):
+            def line(title, names, with_seven=True):
                 studio.set_rows(names)
-                ours = self.create(studio, rounds)
-                packed = studio.archive_bytes()
-                studio.clear()
-                bare = self.bare(studio, names, rounds)
-                peer = self.zip(studio, names, rounds)
+                ours, bare = self.create_and_bare(studio, names)
+                peer = self.zip(studio, names, 1 if ours["wall"] > 2 else 3)
                 seven = self.seven(studio, names, 1) if with_seven else None
                 total = sum(os.path.getsize(studio.path(name)) for name in names)
                 lines.append([title, f"{len(names):,}", mib(total), *cells(ours),
                               seconds(bare["compress"]), seconds(bare["disk"]),
                               f"{ours['cpu'] / bare['compress']:.2f}", *cells(peer), *cells(seven),
-                              f"{100 * packed / total:.2f}", f"{100 * peer['bytes'] / total:.2f}"])
+                              f"{100 * ours['bytes'] / total:.2f}",
+                              f"{100 * peer['bytes'] / total:.2f}"])
                 return (total / MIB, ours["cpu"], bare["compress"], peer["cpu"],
                         seven and seven["cpu"])
 
@@ -330,12 +329,12 @@ class Bench:
                 shutil.copyfile(path, studio.path(name))  # 7z would keep a link a link
                 chosen.append(name)
             for part in (64, 16, 4, 1)[:2 if self.quick else 4]:
-                point = line(kind, chosen[::part], self.rounds(part == 1))
+                point = line(kind, chosen[::part])
                 for curve, figure in zip(curves, point[1:]):
                     curve.append((point[0], figure))
             if not self.quick:
                 # 7z takes ten minutes for them.
-                point = line(f"{kind}, the same again and again", self.repeated(studio, chosen), 1,
+                point = line(f"{kind}, the same again and again", self.repeated(studio, chosen),
                              with_seven=False)
                 for curve, figure in zip(curves[:3], point[1:]):
                     curve.append((point[0], figure))
@@ -343,7 +342,7 @@ class Bench:
             for index in range(500 if self.quick else 5_000):
                 small.append(f"f{index}.txt")
                 write(studio.path(small[-1]), text_of(rng, rng.randrange(1 << 10, 32 << 10)))
-            line("texts of 1 to 32 KiB", small, self.rounds(False))
+            line("texts of 1 to 32 KiB", small)
         head = ["what", "files", "MiB", *columns("Create"), "compressor alone: CPU s",
                 "reading and writing alone: CPU s", "Create ÷ compressor", *columns("zip -5"),
                 *columns("7z"), "Create: size %", "zip: size %"]
@@ -366,7 +365,8 @@ class Bench:
                 # A little below the limit, so that the last disk is not one more.
                 count = max(1, int(wanted * DISKETTE_BYTES / 701_000 - 0.5))
                 studio.set_rows(["noise.bin"] * count, on_diskettes=True)
-                ours = self.create(studio, self.rounds(wanted > 100))
+                ours = self.best(1 if self.quick or wanted > 100 else 3,
+                                 lambda: self.create(studio))
                 disks = len(studio.disks())
                 studio.clear()
                 create_cpu.append((disks, ours["cpu"]))
@@ -374,7 +374,7 @@ class Bench:
                 line = [f"{disks:,}", f"{count:,}", *cells(ours)]
                 lines.append(line)
                 if wanted > 1_000:  # the peers need the room twice
-                    line += [*cells(None), "–", "–"]
+                    line += [*cells(None), "–", "–", "–"]
                     continue
                 while len(linked) < count:
                     linked.append(f"n{len(linked)}.bin")
@@ -390,16 +390,17 @@ class Bench:
                 together = {"wall": peer["wall"] + split["wall"], "cpu": peer["cpu"] + split["cpu"],
                             "peak": max(peer["peak"], split["peak"])}
                 peer_cpu.append((disks, together["cpu"]))
-                line += [*cells(together), seconds(split["cpu"]), f"{parts:,}"]
+                line += [*cells(together), seconds(split["cpu"]), f"{parts:,}",
+                         f"{ours['cpu'] / together['cpu']:.2f}"]
         head = ["disks", "files", *columns("Create"), *columns("zip -5, then zipsplit"),
-                "of it zipsplit: CPU s", "zipsplit: disks"]
+                "of it zipsplit: CPU s", "zipsplit: disks", "Create ÷ both"]
         text = table(head, lines) + "\n\n" + growth_line(
             "disks", [("Create: CPU", create_cpu), ("peak", peaks), ("zip and zipsplit: CPU", peer_cpu)])
         return text, {"disks.svg": plot.svg("Disks of 1.44 MB", "disks", "CPU seconds", [
             ("Create", create_cpu), ("zip, zipsplit", peer_cpu)])}
 
     def scan(self, studio, codes=(0,)):
-        return self.best(self.rounds(False),
+        return self.best(1 if self.quick else 5,
                          lambda: self.cost([self.tool, "scan", "Bench"], studio=studio.root,
                                            codes=codes))
 
@@ -439,7 +440,7 @@ class Bench:
                 studio.grow_tree(done, count)
                 done = count
                 figures = self.scan(studio, codes=(3,))
-                find = self.best(self.rounds(False), lambda: self.cost(
+                find = self.best(1 if self.quick else 5, lambda: self.cost(
                     ["find", studio.project, "-name", "nothing"]))
                 ours_cpu.append((count, figures["cpu"]))
                 find_cpu.append((count, find["cpu"]))
@@ -450,13 +451,17 @@ class Bench:
                                             "CPU seconds", [("scan", ours_cpu), ("find", find_cpu)])}
 
     def ini(self):
+        def line(what, count, mine, theirs):
+            lines.append([what, *cells(mine), f"{mine['wall'] / count * 1e6:.1f}", *cells(theirs),
+                          f"{theirs['wall'] / count * 1e6:.1f}" if theirs else "–"])
+
         sizes = self.sizes([100, 300, 1_000, 3_000, 10_000, 30_000, 100_000])
         wine_sizes = [size for size in sizes if size <= 10_000]
         lines, ours, wine = [], {}, {}
         with self.folder() as root:
             drive = os.path.join(root, "drive_c")
             os.mkdir(drive)
-            reader = WineReader(root)
+            reader = WineReader(root, self.read_keys)
             for size in sizes:
                 write(os.path.join(drive, f"{size}.ini"), crlf(
                     ["[Other]", "Key0=x", "[File]"] +
@@ -465,43 +470,39 @@ class Bench:
                 ours[size] = self.read_keys([self.reader, root, f"C:\\{size}.ini", str(size)], size)
                 if size in wine_sizes and reader.program:
                     wine[size] = reader.read(os.path.join(drive, f"{size}.ini"), size, size)
-                lines.append([f"{size:,}", seconds(ours[size]), f"{ours[size] / size * 1e6:.1f}",
-                              seconds(wine[size]) if size in wine else "–",
-                              f"{wine[size] / size * 1e6:.1f}" if size in wine else "–"])
+                line(f"{size:,}", size, ours[size], wine.get(size))
             count = 10_000
             missing = self.read_keys([self.reader, root, "C:\\Missing.ini", str(count)], 0)
             wine_missing = (reader.read(os.path.join(drive, "Missing.ini"), count, 0)
                             if reader.program else None)
-            lines.append([f"{count:,} of a missing file", seconds(missing),
-                          f"{missing / count * 1e6:.1f}",
-                          seconds(wine_missing) if wine_missing else "–",
-                          f"{wine_missing / count * 1e6:.1f}" if wine_missing else "–"])
-        head = ["keys", "ours: wall s", "µs per key", "GetPrivateProfileString: wall s", "µs per key"]
-        text = table(head, lines) + "\n\n" + growth_line(
-            "keys", [("ours", list(ours.items())), ("Wine", list(wine.items()))])
+            line(f"{count:,} of a missing file", count, missing, wine_missing)
+        head = ["keys", *columns("ours"), "µs per key", *columns("GetPrivateProfileString"), "µs per key"]
+        curves = [(name, [(size, figures["wall"]) for size, figures in series.items()])
+                  for name, series in (("ours", ours), ("Wine", wine)) if series]
+        text = table(head, lines) + "\n\n" + growth_line("keys", curves)
         if not reader.program:
             text += f"\n\nNot measured beside Wine: {reader.why_not}"
-        curves = [("ours", list(ours.items()))]
-        if wine:
-            curves.append(("Wine", list(wine.items())))
         return text, {"ini.svg": plot.svg("Reading every key of an INI file", "keys", "seconds", curves)}
 
-    def read_keys(self, command, expected):
+    def read_keys(self, command, expected, **options):
+        """Wall and CPU time are those of the reading alone, as the reader tells them."""
         def run():
-            done = subprocess.run(command, text=True, check=True, stdout=subprocess.PIPE)
-            time, found = done.stdout.split()
+            done = subprocess.run([self.measurer, *command], text=True, check=True,
+                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE, **options)
+            wall, cpu, found = done.stderr.splitlines()[-1].split()
             if int(found) != expected:
                 sys.exit(f"{command} found {found} keys instead of {expected}")
-            return float(time)
+            return {"wall": float(wall), "cpu": float(cpu), "peak": json.loads(done.stdout)["peak"]}
 
-        return min(run() for _ in range(self.rounds(False)))
+        return min((run() for _ in range(1 if self.quick else 3)), key=lambda figures: figures["wall"])
 
 
 class WineReader:
     """profile_reader_win32.exe under Wine, in a Wine of its own."""
 
-    def __init__(self, root):
+    def __init__(self, root, read_keys):
         self.program, self.why_not = None, ""
+        self.read_keys = read_keys
         compiler, wine = shutil.which("x86_64-w64-mingw32-g++-posix"), shutil.which("wine")
         if not compiler or not wine:
             self.why_not = "mingw-w64 or Wine is not installed."
@@ -515,17 +516,12 @@ class WineReader:
         self.program = program
         try:
             self.read(os.path.join(root, "none.ini"), 1, 0)  # the first start sets Wine up
-        except (subprocess.SubprocessError, ValueError, OSError) as error:
+        except (subprocess.SubprocessError, ValueError, IndexError, OSError) as error:
             self.program, self.why_not = None, f"Wine does not start ({type(error).__name__})."
 
     def read(self, path, count, expected):
-        done = subprocess.run(["wine", self.program, "Z:" + path.replace("/", "\\"), str(count)],
-                              env=self.environment, text=True, check=True, stdout=subprocess.PIPE,
-                              stderr=subprocess.DEVNULL, timeout=300)
-        time, found = done.stdout.split()
-        if int(found) != expected:
-            sys.exit(f"Wine found {found} keys of {path} instead of {expected}")
-        return float(time)
+        return self.read_keys(["wine", self.program, "Z:" + path.replace("/", "\\"), str(count)],
+                              expected, env=self.environment, timeout=300)
 
 
 SECTIONS = ["one_file", "kinds", "many_files", "rows", "disks", "sections", "trees", "ini"]

@@ -4,7 +4,8 @@
 Python's own code reads back what they left. Run by CTest, one test per scenario:
     real_disk_test.py WIZARD TOOL WORKER DYING_PROCESS GENERATOR PREPARE SCENARIO
 Exit code 77 where the machine does not let this test mount a file system. TXS_SEED, a number, chooses
-other moments for the kills by the clock; TXS_ROUNDS, how many rounds of Create are killed.
+other moments for the kills by the clock; TXS_ROUNDS, at how many of its calls Create is killed, 0 for
+each of them.
 """
 
 import fcntl
@@ -167,9 +168,10 @@ class RealDisk(unittest.TestCase):
         self.assert_complete(studio, PLANT, expected)
         calls = self.count_calls(studio, WIZARD, "/c=" + PLANT)
         killed = 0
-        for round_number in range(ROUNDS):
+        rounds = ROUNDS or calls
+        for round_number in range(rounds):
             # All over the run, the first call and the last among them.
-            part = round_number / (ROUNDS - 1) if ROUNDS > 1 else 0
+            part = round_number / (rounds - 1) if rounds > 1 else 0
             self.kill_at(studio, 1 + round(part * (calls - 1)), WIZARD, "/c=" + PLANT)
             self.assert_spared(studio, before)
             killed += 1
@@ -184,7 +186,7 @@ class RealDisk(unittest.TestCase):
             self.assert_complete(studio, PLANT, expected)
             self.assertEqual(self.sources(studio), before)
         report("rounds of Create killed", killed)
-        report("calls of one Create that change the disk", calls)
+        report("of them at a call of their own", min(rounds, calls))
 
     def kill_worker_everywhere(self, studio, path, *task):
         """Kills a worker at each of its calls; the file has the bytes of one of the three states."""
@@ -213,18 +215,25 @@ class RealDisk(unittest.TestCase):
         return calls, {entry.name for entry in folder.iterdir()} - names
 
     def test_save_killed_at_any_moment_leaves_the_old_or_the_new_settings(self):
+        expected, _ = self.undisturbed()
         studio = self.lay()
+        settings = self.settings(studio).read_bytes()
         killed, left = self.kill_worker_everywhere(studio, self.settings(studio), "save", PLANT)
         self.assertEqual(left, set())
+        # The worker's settings list files that are nowhere.
+        self.settings(studio).write_bytes(settings)
+        self.assert_complete(studio, PLANT, expected)
         report("rounds of Save killed", killed)
 
     def test_writing_the_registry_killed_at_any_moment_leaves_the_old_or_the_new_file(self):
+        expected, _ = self.undisturbed()
         studio = self.lay()
         killed, left = self.kill_worker_everywhere(studio, studio / "registry.reg", "registry")
         self.assertLessEqual(left, {"registry.reg.lock"})
         code, out, _ = self.run_program(studio, TOOL, "projects")
         self.assertEqual(code, 0)
         self.assertIn(PLANT, out)
+        self.assert_complete(studio, PLANT, expected)
         report("rounds of registry writing killed", killed)
 
     # --- Two at once
