@@ -99,9 +99,12 @@ std::string ShownTooltip() {
 
 unsigned long ClipboardChanges() {
   static unsigned long changes = 0;
-  static const gulong handler = g_signal_connect(gtk_clipboard_get(GDK_SELECTION_CLIPBOARD),
-                                                 "owner-change", G_CALLBACK(CountChange), &changes);
-  static_cast<void>(handler);
+  static bool is_counting = false;
+  if (!is_counting) {
+    is_counting = true;
+    g_signal_connect(gtk_clipboard_get(GDK_SELECTION_CLIPBOARD), "owner-change",
+                     G_CALLBACK(CountChange), &changes);
+  }
   return changes;
 }
 
