@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "document/path_variables.h"
-#include "document/settings_file.h"
 #include "environment/code_page.h"
 #include "environment/windows_path.h"
 

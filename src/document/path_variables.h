@@ -18,6 +18,9 @@ struct PathVariable {
   bool operator==(const PathVariable&) const = default;
 };
 
+// Files with this destination lie on the target computer only while the installation runs.
+inline constexpr char kTempDirName[] = "<TempDir>";
+
 // How the list holds a directory: as FullPath spells it, since it is compared with such paths, and
 // without the trailing backslashes with which the studio registers projects, since names are
 // followed by "\". "C:/Demo\\." gives "C:\Demo".

@@ -10,6 +10,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "document/path_variables.h"
 #include "document/project_lock.h"
 #include "document/work_border.h"
 #include "environment/code_page.h"

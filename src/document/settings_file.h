@@ -35,9 +35,6 @@ void WriteSettings(Application& application);
 // the file holds by then. Path variables stay.
 void ClearSettings(Application& application);
 
-// Files with this destination lie on the target computer only while the installation runs.
-inline constexpr char kTempDirName[] = "<TempDir>";
-
 // Brings the path variables <UserDirN> in line with the user-directory list of step 2, and
 // <TempDir> with the temporary directory of the current project.
 void ExtendPathVariables(Application& application);

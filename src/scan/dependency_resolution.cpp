@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "document/mdac.h"
-#include "document/settings_file.h"
+#include "document/path_variables.h"
 #include "document/work_border.h"
 #include "environment/code_page.h"
 #include "environment/full_path.h"
