@@ -5,7 +5,7 @@ Prints which part of the lines of src/ the tests have run, room by room, and the
 BUILD_DIR was configured with TXS_COVERAGE, and the tests have run in it since. REPORT gets every line
 that did not run, as FILE:LINE: TEXT. Exit code 1 when less than PERCENT of all lines ran.
 
-src/ui is not counted: what a form does is seen on a display, and what it decides lies in the other rooms.
+src/ui is not counted: much of it is forms, and whether those are right is seen on a display.
 """
 
 import argparse

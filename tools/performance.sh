@@ -3,7 +3,7 @@
 #
 # Builds the programs as users get them, measures how they scale beside their peers, and rewrites the
 # tables of docs/PERFORMANCE.md and the plots in docs/images/performance. benchmarks/README.md lists
-# what is measured. Takes about a quarter of an hour and 12 GiB in /dev/shm; --quick tries small sizes
+# what is measured. Takes about half an hour and 12 GiB in /dev/shm; --quick tries small sizes
 # and prints the tables instead. Another build can be named by BUILD_DIR; it is then used as it is.
 set -eu
 cd "$(dirname "$0")/.."

@@ -186,7 +186,7 @@ class RealDisk(unittest.TestCase):
             self.assert_complete(studio, PLANT, expected)
             self.assertEqual(self.sources(studio), before)
         report("rounds of Create killed", killed)
-        report("of them at a call of their own", min(rounds, calls))
+        report("of them each at another of its calls", min(rounds, calls))
 
     def kill_worker_everywhere(self, studio, path, *task):
         """Kills a worker at each of its calls; the file has the bytes of one of the three states."""
