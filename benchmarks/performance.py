@@ -118,10 +118,10 @@ class Bench:
             sys.exit(f"{command} ended with {figures['code']}: {done.stderr[-1000:].decode()}")
         return figures
 
-    @staticmethod
-    def best(rounds, action):
-        """The round with the least CPU time."""
-        return min((action() for _ in range(rounds)), key=lambda figures: figures["cpu"])
+    def best(self, rounds, action, by="cpu"):
+        """The round with the least CPU time. One is enough when trying."""
+        return min((action() for _ in range(1 if self.quick else rounds)),
+                   key=lambda figures: figures[by])
 
     def rounds(self, seconds_each):
         """Enough for a moment without disturbance, as far as half a minute goes."""
@@ -133,17 +133,18 @@ class Bench:
 
     def create_and_bare(self, studio, names):
         """By turns: what disturbs the machine for a while disturbs both."""
-        ours, bare = [], []
-        rounds = None
-        while rounds is None or len(ours) < rounds:
-            figures = self.create(studio)
-            figures["bytes"] = studio.archive_bytes()
-            ours.append(figures)
+        def turn():
+            ours = self.create(studio)
+            ours["bytes"] = studio.archive_bytes()
             studio.clear()
-            bare.append(self.bare(studio, names))
-            rounds = rounds or self.rounds(figures["wall"] + bare[0]["compress"] + bare[0]["disk"])
-        return (min(ours, key=lambda figures: figures["cpu"]),
-                min(bare, key=lambda figures: figures["compress"]))
+            return ours, self.bare(studio, names)
+
+        turns = [turn()]
+        ours, bare = turns[0]
+        rounds = self.rounds(ours["wall"] + bare["compress"] + bare["disk"])
+        turns += [turn() for _ in range(rounds - 1)]
+        return (min((ours for ours, _ in turns), key=lambda figures: figures["cpu"]),
+                min((bare for _, bare in turns), key=lambda figures: figures["compress"]))
 
     def peer(self, command, archive, rounds, **options):
         """zip and 7z would update an archive that is there."""
@@ -365,8 +366,7 @@ class Bench:
                 # A little below the limit, so that the last disk is not one more.
                 count = max(1, int(wanted * DISKETTE_BYTES / 701_000 - 0.5))
                 studio.set_rows(["noise.bin"] * count, on_diskettes=True)
-                ours = self.best(1 if self.quick or wanted > 100 else 3,
-                                 lambda: self.create(studio))
+                ours = self.best(1 if wanted > 100 else 3, lambda: self.create(studio))
                 disks = len(studio.disks())
                 studio.clear()
                 create_cpu.append((disks, ours["cpu"]))
@@ -400,7 +400,7 @@ class Bench:
             ("Create", create_cpu), ("zip, zipsplit", peer_cpu)])}
 
     def scan(self, studio, codes=(0,)):
-        return self.best(1 if self.quick else 5,
+        return self.best(5,
                          lambda: self.cost([self.tool, "scan", "Bench"], studio=studio.root,
                                            codes=codes))
 
@@ -440,7 +440,7 @@ class Bench:
                 studio.grow_tree(done, count)
                 done = count
                 figures = self.scan(studio, codes=(3,))
-                find = self.best(1 if self.quick else 5, lambda: self.cost(
+                find = self.best(5, lambda: self.cost(
                     ["find", studio.project, "-name", "nothing"]))
                 ours_cpu.append((count, figures["cpu"]))
                 find_cpu.append((count, find["cpu"]))
@@ -494,7 +494,7 @@ class Bench:
                 sys.exit(f"{command} found {found} keys instead of {expected}")
             return {"wall": float(wall), "cpu": float(cpu), "peak": json.loads(done.stdout)["peak"]}
 
-        return min((run() for _ in range(1 if self.quick else 3)), key=lambda figures: figures["wall"])
+        return self.best(3, run, by="wall")
 
 
 class WineReader:
